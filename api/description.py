@@ -1,0 +1,145 @@
+"""Reads and checks the description of the exports (families/*.toml)."""
+import pathlib
+import tomllib
+from dataclasses import dataclass, field
+
+FAMILIES = pathlib.Path(__file__).resolve().parent / "families"
+
+RESULTS = {"status": "uint32_t", "code": "uint32_t", "u32": "uint32_t", "void": "void", "pointer": "char*",
+           "callback": "ZLVProgressCallback", "handle": "void*"}
+FRAMES = {"full", "no-nest-count", "no-call-depth", "callback-span", "error-slot", "out-code", "dispatcher",
+          "forwarder", "none"}
+SCALARS = {"u8": "uint8_t", "u16": "uint16_t", "u32": "uint32_t", "u64": "uint64_t", "i8": "int8_t",
+           "i16": "int16_t", "i32": "int32_t", "i64": "int64_t", "f64": "double", "f32": "float", "char": "char",
+           "void": "void", "point": "point"}
+ROLES = {"image", "width", "height", "channels", "stride", "mask", "flags", "number", "choice", "count", "out", "in",
+         "handle", "callback", "callback-data"}
+ERRORS = {"OUT_OF_MEMORY": 1, "BAD_ARGUMENT": 5, "CANCELLED": 14, "COULD_NOT_RUN": 17, "NO_BASE_CONTEXT": 55,
+          "POLYGON": 61, "TARGET_TOO_SMALL": 68, "TIME_OUT": 84}
+EFFECT_KEYS = {"frame", "threads", "progress", "cancel", "random", "depends", "errors", "channels"}
+
+
+class DescriptionError(Exception):
+    """A mistake in a family file; the message names file, export and argument."""
+
+
+@dataclass
+class Argument:
+    name: str
+    type: str
+    role: str
+    facts: dict = field(default_factory=dict)
+
+    @property
+    def c_type(self):
+        """The type as the public header writes it."""
+        if self.type == "callback":
+            return "ZLVProgressCallback"
+        base = self.type.removeprefix("const ").rstrip("*")
+        stars = self.type[len(self.type.rstrip("*")):]
+        return ("const " if self.type.startswith("const ") else "") + SCALARS[base] + stars
+
+    @property
+    def is_pointer(self):
+        return self.type.endswith("*") or self.type == "callback"
+
+
+@dataclass
+class Export:
+    name: str
+    family: str
+    summary: str
+    result: str
+    arguments: list
+    facts: dict
+
+    @property
+    def is_effect(self):
+        return "frame" in self.facts
+
+    @property
+    def symbol(self):
+        return "_" + self.name
+
+
+@dataclass
+class Family:
+    name: str
+    title: str
+    about: str
+    exports: list
+
+
+def fail(where, what):
+    raise DescriptionError(f"{where}: {what}")
+
+
+def read_argument(where, facts):
+    for key in ("name", "type", "role"):
+        if key not in facts:
+            fail(where, f"an argument lacks its {key}")
+    where = f"{where}, {facts['name']}"
+    if facts["role"] not in ROLES:
+        fail(where, f"unknown role {facts['role']}")
+    argument = Argument(facts["name"], facts["type"], facts["role"],
+                        {k: v for k, v in facts.items() if k not in ("name", "type", "role")})
+    try:
+        argument.c_type
+    except KeyError:
+        fail(where, f"unknown type {facts['type']}")
+    if argument.is_pointer and "null" not in facts:
+        fail(where, "a pointer says what null gives")
+    for flag in facts.get("flags", []):
+        if not {"name", "value", "about"} <= flag.keys():
+            fail(where, "a flag needs name, value and about")
+    return argument
+
+
+def read_export(where, family, facts):
+    name = facts.get("name", "")
+    where = f"{where}, {name}"
+    if not name.startswith("ZLV40_"):
+        fail(where, "every export starts with ZLV40_")
+    if facts.get("result") not in RESULTS:
+        fail(where, f"unknown result {facts.get('result')}")
+    if "frame" in facts:
+        missing = EFFECT_KEYS - facts.keys()
+        if missing:
+            fail(where, f"an effect also needs {', '.join(sorted(missing))}")
+        if facts["frame"] not in FRAMES:
+            fail(where, f"unknown frame {facts['frame']}")
+        unknown = set(facts["errors"]) - ERRORS.keys()
+        if unknown:
+            fail(where, f"unknown errors {', '.join(sorted(unknown))}")
+    arguments = [read_argument(where, argument) for argument in facts.get("arguments", [])]
+    names = [argument.name for argument in arguments]
+    if len(set(names)) != len(names):
+        fail(where, "two arguments have one name")
+    rest = {k: v for k, v in facts.items() if k not in ("name", "summary", "result", "arguments")}
+    return Export(name, family, facts.get("summary", ""), facts["result"], arguments, rest)
+
+
+def read_family(path):
+    with open(path, "rb") as source:
+        facts = tomllib.load(source)
+    if facts.get("family") != path.stem:
+        fail(path.name, "the family is named like its file")
+    exports = [read_export(path.name, facts["family"], export) for export in facts.get("export", [])]
+    return Family(facts["family"], facts["title"], facts["about"], exports)
+
+
+def family_files():
+    """The files that the description consists of, in a fixed order."""
+    return sorted(FAMILIES.glob("*.toml"))
+
+
+def read_all():
+    """All families. An export stands in one of them only."""
+    families = [read_family(path) for path in family_files()]
+    seen = {}
+    for family in families:
+        for export in family.exports:
+            if export.name in seen:
+                fail(family.name, f"{export.name} stands in {seen[export.name]} too")
+            seen[export.name] = family.name
+    return families

@@ -1,0 +1,56 @@
+#!/usr/bin/env python3
+"""Derives from the description of the exports what can be derived.
+
+    generate.py OUTPUT WHAT...      writes each WHAT below the folder OUTPUT
+    generate.py --check-header include/zlv40.h
+    generate.py --list
+"""
+import argparse
+import pathlib
+import sys
+
+import description
+from generators import catalogue, export_lists, fuzz_targets, header_check, reference, sweep
+
+GENERATORS = {
+    "def": export_lists.write_def,
+    "map": export_lists.write_map,
+    "names": export_lists.write_names,
+    "catalogue": catalogue.write,
+    "sweep": sweep.write,
+    "fuzz": fuzz_targets.write,
+    "reference": reference.write,
+}
+
+
+def write_if_changed(path, text):
+    """Keeps the time stamp of a file that says the same already."""
+    path.parent.mkdir(parents=True, exist_ok=True)
+    if not path.exists() or path.read_text() != text:
+        path.write_text(text)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("output", nargs="?", type=pathlib.Path)
+    parser.add_argument("what", nargs="*", choices=[[], *GENERATORS])
+    parser.add_argument("--check-header", type=pathlib.Path)
+    parser.add_argument("--list", action="store_true", help="the names of all described exports")
+    options = parser.parse_args()
+    try:
+        families = description.read_all()
+    except description.DescriptionError as mistake:
+        sys.exit(f"description: {mistake}")
+    if options.list:
+        print("\n".join(export.name for family in families for export in family.exports))
+    if options.check_header:
+        mistakes = header_check.compare(options.check_header.read_text(), families)
+        if mistakes:
+            sys.exit("\n".join(f"{options.check_header}: {mistake}" for mistake in mistakes))
+    for what in options.what:
+        for name, text in GENERATORS[what](families).items():
+            write_if_changed(options.output / name, text)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,23 @@
+// Pixels somewhere in memory: the image arguments of a call as one thing.
+#pragma once
+
+#include "platform/types.h"
+
+namespace zlv {
+
+// T is u8, or u16 in the 16-bit mode of the base layer, where the stride counts words.
+template <class T>
+struct ImageView {
+    T* data;
+    u32 width;
+    u32 height;
+    u32 channels;
+    u32 stride;
+
+    T* Row(u32 y) const { return data + size_t(y) * stride; }
+    size_t SamplesPerRow() const { return size_t(width) * channels; }
+    // Whether the rows follow each other without padding.
+    bool IsContiguous() const { return SamplesPerRow() == stride; }
+};
+
+}  // namespace zlv
