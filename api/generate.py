@@ -10,15 +10,14 @@ import pathlib
 import sys
 
 import description
-from generators import catalogue, export_lists, fuzz_targets, header_check, reference, sweep
+from generators import call_table, catalogue, export_lists, header_check, reference
 
 GENERATORS = {
     "def": export_lists.write_def,
     "map": export_lists.write_map,
     "names": export_lists.write_names,
     "catalogue": catalogue.write,
-    "sweep": sweep.write,
-    "fuzz": fuzz_targets.write,
+    "call_table": call_table.write,
     "reference": reference.write,
 }
 

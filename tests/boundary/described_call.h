@@ -1,0 +1,134 @@
+// A call of a described effect that works, to be broken in one place after the other.
+#pragma once
+
+#include "boundary/call_table.h"
+#include "support/bytes.h"
+#include "support/guarded_buffer.h"
+
+#include <cstring>
+#include <memory>
+
+namespace zlvtest {
+
+class DescribedCall {
+public:
+    static constexpr std::uint32_t kWidth = 13, kHeight = 7, kPadding = 3;
+    static constexpr std::uint8_t kFill = 0xA7;
+
+    DescribedCall(const DescribedEffect& effect, std::uint32_t channels, Flush flush = Flush::ToEnd)
+        : effect_(effect), channels_(channels), values(effect.arguments.size())
+    {
+        for (std::size_t i = 0; i < values.size(); ++i) SetDefault(i, flush);
+        for (const auto& image : images_) before_.emplace_back(image->Data(), image->Data() + image->Size());
+    }
+
+    std::uint32_t Run() const { return effect_.call(values.data()); }
+
+    // Every byte of every image as it was.
+    bool IsUntouched() const
+    {
+        for (std::size_t i = 0; i < images_.size(); ++i) {
+            if (std::memcmp(images_[i]->Data(), before_[i].data(), before_[i].size()) != 0) return false;
+        }
+        return true;
+    }
+
+    // The bytes between the rows as they were.
+    bool IsPaddingUntouched() const
+    {
+        const std::size_t row = std::size_t(kWidth) * channels_;
+        for (const auto& image : images_) {
+            for (std::size_t i = 0; i < image->Size(); ++i) {
+                if (i % (row + kPadding) >= row && image->Data()[i] != kFill) return false;
+            }
+        }
+        return true;
+    }
+
+    Bytes Pixels() const
+    {
+        Bytes all;
+        for (const auto& image : images_) all.insert(all.end(), image->Data(), image->Data() + image->Size());
+        return all;
+    }
+
+private:
+    const DescribedEffect& effect_;
+    const std::uint32_t channels_;
+    std::vector<std::unique_ptr<GuardedBuffer>> images_;
+    std::vector<Bytes> before_;
+
+    std::uint32_t Stride() const { return kWidth * channels_ + kPadding; }
+
+    void SetDefault(std::size_t i, Flush flush)
+    {
+        const DescribedArgument& argument = effect_.arguments[i];
+        switch (argument.role) {
+        case Role::Image: values[i].pointer = NewImage(flush); break;
+        case Role::Width: values[i].integer = kWidth; break;
+        case Role::Height: values[i].integer = kHeight; break;
+        case Role::Channels: values[i].integer = channels_; break;
+        case Role::Stride: values[i].integer = Stride(); break;
+        default:
+            values[i].integer = std::uint64_t(std::int64_t(argument.default_));
+            values[i].real = argument.default_;
+            break;
+        }
+    }
+
+    // The last row has no padding behind it: there the buffer ends, as a client's may.
+    std::uint8_t* NewImage(Flush flush)
+    {
+        const std::size_t row = std::size_t(kWidth) * channels_;
+        const std::size_t size = (kHeight - 1) * std::size_t(Stride()) + row;
+        images_.push_back(std::make_unique<GuardedBuffer>(size, flush, kFill));
+        const Bytes pixels = RandomBytes(size, channels_ + images_.size());
+        std::uint8_t* const data = images_.back()->Data();
+        for (std::size_t k = 0; k < size; ++k) {
+            if (k % (row + kPadding) < row) data[k] = pixels[k];
+        }
+        return data;
+    }
+
+public:
+    std::vector<Value> values;
+};
+
+// Runs check(call, what) for every way to break one argument of the effect whose answer is described as refused.
+template <class Check>
+void ForEachRefusal(const DescribedEffect& effect, std::uint32_t channels, Check check)
+{
+    const auto broken = [&](std::size_t i, const char* what, std::uint32_t error, auto breaker) {
+        DescribedCall call(effect, channels);
+        breaker(call.values[i]);
+        check(call, Join(effect.arguments[i].name, what), error);
+    };
+    for (std::size_t i = 0; i < effect.arguments.size(); ++i) {
+        const DescribedArgument& argument = effect.arguments[i];
+        if (argument.nullError) broken(i, "is null", argument.nullError, [](Value& v) { v.pointer = nullptr; });
+        if (argument.zero == Zero::Refused) {
+            broken(i, "is zero", ZLV40_ERROR_BAD_ARGUMENT, [](Value& v) { v.integer = 0; });
+        }
+        const auto setTo = [](double number) {
+            return [=](Value& v) {
+                v.real = number;
+                v.integer = std::uint64_t(std::int64_t(number));
+            };
+        };
+        if (argument.hasMinimum && !argument.isOutsideAccepted) {
+            broken(i, "is below its minimum", ZLV40_ERROR_BAD_ARGUMENT, setTo(argument.minimum - 1));
+        }
+        if (argument.hasMaximum && !argument.isOutsideAccepted) {
+            broken(i, "is above its maximum", ZLV40_ERROR_BAD_ARGUMENT, setTo(argument.maximum + 1));
+        }
+        for (const FlagBit& flag : argument.flags) {
+            bool isAccepted = flag.channels.empty();
+            for (const std::uint32_t count : flag.channels) isAccepted = isAccepted || count == channels;
+            if (isAccepted) continue;
+            broken(i, "has a flag for other channel counts", ZLV40_ERROR_BAD_ARGUMENT,
+                   [&](Value& v) { v.integer |= flag.value; });
+        }
+    }
+}
+
+}  // namespace zlvtest

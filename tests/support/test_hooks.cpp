@@ -1,0 +1,96 @@
+#include "support/test_hooks.h"
+
+#include "platform/platform.h"
+
+using zlv::platform::SlotIndex;
+using zlv::platform::Thread;
+using zlv::platform::ThreadFunction;
+using zlv::platform::TimeOfDay;
+
+#ifdef _WIN32
+#define SIZE_CODE "y"
+#else
+#define SIZE_CODE "m"
+#endif
+
+// The linker's --wrap leads calls of `name` to __wrap_name, and calls of __real_name to the function itself.
+void* RealAllocate(std::size_t) __asm__("__real__ZN3zlv8platform8AllocateE" SIZE_CODE);
+void* WrapAllocate(std::size_t) __asm__("__wrap__ZN3zlv8platform8AllocateE" SIZE_CODE);
+void* RealAllocateClientBlock(std::size_t) __asm__("__real__ZN3zlv8platform19AllocateClientBlockE" SIZE_CODE);
+void* WrapAllocateClientBlock(std::size_t) __asm__("__wrap__ZN3zlv8platform19AllocateClientBlockE" SIZE_CODE);
+Thread* RealStart(ThreadFunction, void*) __asm__("__real__ZN3zlv8platform20StartSuspendedThreadEPFvPvES1_");
+Thread* WrapStart(ThreadFunction, void*) __asm__("__wrap__ZN3zlv8platform20StartSuspendedThreadEPFvPvES1_");
+bool RealSetSlot(SlotIndex, void*) __asm__("__real__ZN3zlv8platform7SetSlotEjPv");
+bool WrapSetSlot(SlotIndex, void*) __asm__("__wrap__ZN3zlv8platform7SetSlotEjPv");
+TimeOfDay RealLocalTime() __asm__("__real__ZN3zlv8platform9LocalTimeEv");
+TimeOfDay WrapLocalTime() __asm__("__wrap__ZN3zlv8platform9LocalTimeEv");
+
+namespace zlvtest {
+
+namespace {
+
+thread_local const TimeOfDay* fixedTime = nullptr;
+thread_local TimeOfDay fixedTimeValue;
+
+struct Order {
+    bool isGiven = false;
+    std::uint32_t succeeding = 0;
+    std::uint32_t failed = 0;
+};
+
+thread_local Order orders[4];
+
+bool FailsNow(FailingCalls::Of function)
+{
+    Order& order = orders[int(function)];
+    if (!order.isGiven) return false;
+    if (order.succeeding > 0) {
+        --order.succeeding;
+        return false;
+    }
+    ++order.failed;
+    return true;
+}
+
+}  // namespace
+
+FailingCalls::FailingCalls(Of function, std::uint32_t succeeding) : function_(function)
+{
+    orders[int(function)] = {true, succeeding, 0};
+}
+
+FailingCalls::~FailingCalls() { orders[int(function_)] = {}; }
+
+std::uint32_t FailingCalls::Failed() const { return orders[int(function_)].failed; }
+
+FixedTime::FixedTime(std::uint32_t hours, std::uint32_t minutes, std::uint32_t seconds)
+{
+    fixedTimeValue = {hours, minutes, seconds};
+    fixedTime = &fixedTimeValue;
+}
+
+FixedTime::~FixedTime() { fixedTime = nullptr; }
+
+}  // namespace zlvtest
+
+using zlvtest::FailingCalls;
+using zlvtest::FailsNow;
+
+void* WrapAllocate(std::size_t bytes) { return FailsNow(FailingCalls::Of::Allocate) ? nullptr : RealAllocate(bytes); }
+
+void* WrapAllocateClientBlock(std::size_t bytes)
+{
+    return FailsNow(FailingCalls::Of::AllocateClientBlock) ? nullptr : RealAllocateClientBlock(bytes);
+}
+
+Thread* WrapStart(ThreadFunction function, void* argument)
+{
+    return FailsNow(FailingCalls::Of::StartThread) ? nullptr : RealStart(function, argument);
+}
+
+bool WrapSetSlot(SlotIndex slot, void* value)
+{
+    return FailsNow(FailingCalls::Of::SetSlot) ? false : RealSetSlot(slot, value);
+}
+
+TimeOfDay WrapLocalTime() { return zlvtest::fixedTime ? *zlvtest::fixedTime : RealLocalTime(); }

@@ -1,0 +1,34 @@
+// Failures and times to order. Links between the library's objects and the platform's functions lead through here.
+#pragma once
+
+#include <cstdint>
+
+namespace zlvtest {
+
+// While it lives, the platform function fails on this thread after `succeeding` more calls, and then always.
+class FailingCalls {
+public:
+    enum class Of { Allocate, AllocateClientBlock, StartThread, SetSlot };
+
+    FailingCalls(Of function, std::uint32_t succeeding);
+    ~FailingCalls();
+    FailingCalls(const FailingCalls&) = delete;
+    FailingCalls& operator=(const FailingCalls&) = delete;
+
+    // How many calls have failed so far.
+    std::uint32_t Failed() const;
+
+private:
+    Of function_;
+};
+
+// While it lives, the platform's clock stands still at this time of day.
+class FixedTime {
+public:
+    FixedTime(std::uint32_t hours, std::uint32_t minutes, std::uint32_t seconds);
+    ~FixedTime();
+    FixedTime(const FixedTime&) = delete;
+    FixedTime& operator=(const FixedTime&) = delete;
+};
+
+}  // namespace zlvtest
