@@ -16,6 +16,7 @@ GENERATORS = {
     "def": export_lists.write_def,
     "map": export_lists.write_map,
     "names": export_lists.write_names,
+    "effect_names": export_lists.write_effect_names,
     "catalogue": catalogue.write,
     "call_table": call_table.write,
     "reference": reference.write,

@@ -5,6 +5,7 @@ add_library(zlv_common_flags INTERFACE)
 target_compile_options(zlv_common_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Werror
     -ffp-contract=off
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>  # GCC 12 warns of its own std::string (GCC bug 105329)
     "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=." "-ffile-prefix-map=${PROJECT_BINARY_DIR}=build")
 if(ZLV_SANITIZE)
     target_compile_options(zlv_common_flags INTERFACE

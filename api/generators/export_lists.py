@@ -17,3 +17,9 @@ def write_map(families):
 
 def write_names(families):
     return {"exports.txt": "\n".join(symbols(families)) + "\n"}
+
+
+def write_effect_names(families):
+    names = [export.name for family in families for export in family.exports
+             if export.is_effect and export.result == "status"]
+    return {"effect_names.txt": "\n".join(names) + "\n"}

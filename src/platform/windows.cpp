@@ -72,10 +72,31 @@ void FreeClientBlock(void* block)
     ::GlobalFree(block);
 }
 
+namespace {
+
+// Whether every page of the range holds memory that may be read. (A guard page of some stack is none: reading it would
+// use it up.)
+bool IsReadable(const void* from, size_t bytes)
+{
+    constexpr DWORD kClosed = PAGE_NOACCESS | PAGE_GUARD;
+    const u64 end = reinterpret_cast<u64>(from) + bytes;
+    for (u64 next = reinterpret_cast<u64>(from); next < end;) {
+        MEMORY_BASIC_INFORMATION pages;
+        if (!::VirtualQuery(reinterpret_cast<const void*>(next), &pages, sizeof pages)) return false;
+        if (pages.State != MEM_COMMIT || (pages.Protect & kClosed)) return false;
+        next = reinterpret_cast<u64>(pages.BaseAddress) + pages.RegionSize;
+    }
+    return true;
+}
+
+}  // namespace
+
 bool ReadForeignMemory(const void* from, void* to, size_t bytes)
 {
     const KeepHostError keep;
+    if (!IsReadable(from, bytes)) return false;
     SIZE_T read = 0;
+    // Not a plain copy: another thread may free the pages at any time.
     return ::ReadProcessMemory(::GetCurrentProcess(), from, to, bytes, &read) && read == bytes;
 }
 

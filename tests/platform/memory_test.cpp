@@ -60,13 +60,18 @@ TEST(ReadForeignMemory, CopiesWhatCanBeRead)
 
 TEST(ReadForeignMemory, RefusesWhatCannot)
 {
-    zlvtest::GuardedBuffer buffer(64, zlvtest::Flush::ToEnd);
     char copy[128];
-    EXPECT_TRUE(ReadForeignMemory(buffer.Data(), copy, 64));
-    EXPECT_FALSE(ReadForeignMemory(buffer.Data() + 64, copy, 8)) << "the guard page behind it";
-    EXPECT_FALSE(ReadForeignMemory(buffer.Data() + 32, copy, 64)) << "half in, half out";
+    const u8* gone = nullptr;
+    {
+        zlvtest::GuardedBuffer buffer(64, zlvtest::Flush::ToEnd);
+        gone = buffer.Data();
+        EXPECT_TRUE(ReadForeignMemory(gone, copy, 64));
+        EXPECT_FALSE(ReadForeignMemory(gone + 64, copy, 8)) << "the guard page behind it";
+        EXPECT_FALSE(ReadForeignMemory(gone + 32, copy, 64)) << "half in, half out";
+    }
+    EXPECT_FALSE(ReadForeignMemory(gone, copy, 64)) << "memory that was given back";
     EXPECT_FALSE(ReadForeignMemory(nullptr, copy, 8));
-    EXPECT_FALSE(ReadForeignMemory(reinterpret_cast<const void*>(~u64{0} - 15), copy, 8));
+    EXPECT_FALSE(ReadForeignMemory(reinterpret_cast<const void*>(~u64{0} - 15), copy, 8)) << "the top of the range";
 }
 
 }  // namespace
