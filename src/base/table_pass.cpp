@@ -40,13 +40,20 @@ private:
     bool MakeXorMasks(bool isShared)
     {
         period_ = isShared ? 1 : channels_;
-        u8 pixel[kMaxXorChannels];
         for (u32 c = 0; c < period_; ++c) {
             const bool isKnown = c > 0 && Table(c) == Table(c - 1);
             if (!isKnown && Table(c) && !kernels_.isXorTable(Table(c))) return false;
-            pixel[c] = Table(c) ? Table(c)[0] : u8(0);
+            masks_[c] = Table(c) ? Table(c)[0] : u8(0);
         }
-        for (size_t i = 0; i < period_ * kXorBlock; ++i) masks_[i] = pixel[i % period_];
+        if (isShared) {
+            std::fill_n(masks_, kXorBlock, masks_[0]);
+            return true;
+        }
+        // The pixel's masks again and again: whole pixels, doubled each time.
+        const size_t size = period_ * kXorBlock;
+        for (size_t done = period_; done < size; done *= 2) {
+            std::copy_n(masks_, std::min(done, size - done), masks_ + done);
+        }
         return true;
     }
 

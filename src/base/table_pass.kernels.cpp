@@ -76,29 +76,49 @@ void MapSamples(u8* samples, size_t count, const u8* table)
 
 // Up to four channels: every table stays in registers and each lane takes the answer of its own channel.
 template <size_t kChannels>
+struct PixelTables {
+    WideTable tables[kChannels];
+    __mmask64 lanes[kChannels][kChannels];  // by channel, by vector of a group of kChannels vectors
+};
+
+template <size_t kChannels>
+PixelTables<kChannels> LoadPixelTables(const void* const* tables)
+{
+    PixelTables<kChannels> all = {};
+    for (size_t c = 0; c < kChannels; ++c) {
+        if (!tables[c]) continue;
+        all.tables[c] = LoadTable(static_cast<const u8*>(tables[c]));
+        for (size_t i = c; i < kChannels * 64; i += kChannels) all.lanes[c][i / 64] |= __mmask64{1} << (i % 64);
+    }
+    return all;
+}
+
+template <size_t kChannels>
+__m512i LookUpPixels(const PixelTables<kChannels>& all, __m512i samples, size_t vector)
+{
+    __m512i found = samples;
+    for (size_t c = 0; c < kChannels; ++c) {
+        found = _mm512_mask_blend_epi8(all.lanes[c][vector], found, LookUp(all.tables[c], samples));
+    }
+    return found;
+}
+
+template <size_t kChannels>
 void MapPixelsWide(u8* samples, size_t pixels, const void* const* tables)
 {
-    WideTable wide[kChannels];
-    __mmask64 lanes[kChannels][kChannels];  // by channel, by vector of a group
-    for (size_t c = 0; c < kChannels; ++c) {
-        if (tables[c]) wide[c] = LoadTable(static_cast<const u8*>(tables[c]));
-        else wide[c] = {};
+    const PixelTables<kChannels> all = LoadPixelTables<kChannels>(tables);
+    const size_t count = pixels * kChannels;
+    size_t i = 0;
+    for (; i + kChannels * 64 <= count; i += kChannels * 64) {
         for (size_t v = 0; v < kChannels; ++v) {
-            lanes[c][v] = 0;
-            for (size_t lane = 0; lane < 64; ++lane) {
-                if (tables[c] && (v * 64 + lane) % kChannels == c) lanes[c][v] |= __mmask64{1} << lane;
-            }
+            u8* const place = samples + i + v * 64;
+            _mm512_storeu_si512(place, LookUpPixels<kChannels>(all, _mm512_loadu_si512(place), v));
         }
     }
-    const size_t count = pixels * kChannels;
-    for (size_t i = 0, v = 0; i < count; i += 64, v = v + 1 == kChannels ? 0 : v + 1) {
-        const __mmask64 valid = FirstLanes(count - i);
-        const __m512i before = _mm512_maskz_loadu_epi8(valid, samples + i);
-        __m512i after = before;
-        for (size_t c = 0; c < kChannels; ++c) {
-            after = _mm512_mask_blend_epi8(lanes[c][v], after, LookUp(wide[c], before));
-        }
-        _mm512_mask_storeu_epi8(samples + i, valid, after);
+    for (size_t v = 0; i < count; i += 64, ++v) {
+        const __mmask64 rest = FirstLanes(count - i);
+        const __m512i before = _mm512_maskz_loadu_epi8(rest, samples + i);
+        _mm512_mask_storeu_epi8(samples + i, rest, LookUpPixels<kChannels>(all, before, v));
     }
 }
 
@@ -174,7 +194,7 @@ void MapSamples(u8* samples, size_t count, const u8* table)
 #endif
 
 // Any number of channels, a load a sample.
-void LookUpPixels(u8* samples, size_t pixels, size_t channels, const void* const* tables)
+void LookUpEach(u8* samples, size_t pixels, size_t channels, const void* const* tables)
 {
     for (size_t c = 0; c < channels; ++c) {
         const u8* const table = static_cast<const u8*>(tables[c]);
@@ -196,7 +216,7 @@ void MapPixels(u8* samples, size_t pixels, size_t channels, const void* const* t
     const size_t stretch = channels < kStretchBytes ? kStretchBytes / channels : 1;
     for (size_t x = 0; x < pixels; x += stretch) {
         const size_t count = pixels - x < stretch ? pixels - x : stretch;
-        LookUpPixels(samples + x * channels, count, channels, tables);
+        LookUpEach(samples + x * channels, count, channels, tables);
     }
 }
 
