@@ -1,5 +1,6 @@
 #include "base/table_pass.h"
 
+#include "base/sample.h"
 #include "base/table_pass.kernels.h"
 
 #include <algorithm>
@@ -118,11 +119,10 @@ u32 MV40_ApplyLUTsToImage(void* buffer, u32 width, u32 height, u32 channels, u32
                           u32 flags)
 {
     return InBaseCall("MV40_ApplyLUTsToImage", [&](MVThreadContext& context, Error& error) {
-        const auto apply = [&]<class T>(T* samples) {
-            const ImageView<T> image = {samples, width, height, channels, rowStride};
+        return WithSamples(buffer, flags, [&]<class T>(T* data) {
+            const ImageView<T> image = {data, width, height, channels, rowStride};
             return ApplyTables(context, error, image, luts);
-        };
-        return flags & kSixteenBitSamples ? apply(static_cast<u16*>(buffer)) : apply(static_cast<u8*>(buffer));
+        });
     });
 }
 
