@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Writes the constant tables of the mathematical functions, *_table.inc, beside this file.
 
-Everything is computed in integers (fixed point with PRECISION binary places) from series that need nothing but
-arithmetic, so the tables come out the same on every machine.
+Everything is computed in integers (fixed point with PRECISION binary places) from series that need
+nothing but arithmetic, so the tables come out the same on every machine.
 
     make_tables.py            write the tables
     make_tables.py --check    compare with the tables that are there; exit code 1 when one differs
@@ -15,7 +15,7 @@ PRECISION = 1500
 ONE = 1 << PRECISION
 
 
-# ---- functions in fixed point ---------------------------------------------------------------------------------------
+# ---- functions in fixed point --------------------------------------------------------------------
 
 def fixed(value):
     """A fraction as fixed point."""
@@ -73,7 +73,7 @@ PI = 4 * arc_tangent(Fraction(1))
 LN2 = logarithm(Fraction(2))
 
 
-# ---- floating-point numbers -----------------------------------------------------------------------------------------
+# ---- floating-point numbers ----------------------------------------------------------------------
 
 def rounded(value, bits=53):
     """The fixed-point number nearest to value with that many significant bits."""
@@ -111,14 +111,14 @@ def literal(value):
     return number.hex()
 
 
-# ---- the tables -----------------------------------------------------------------------------------------------------
+# ---- the tables ----------------------------------------------------------------------------------
 
 EXP_STEPS = 256
-LOG_STEPS = 256
-LOG_FIRST = Fraction(11, 16)  # the significands of log are taken from here to twice that: 1 lies inside
+LOG_STEPS = 512
+LOG_FIRST = Fraction(11, 16)  # significands of log go from here to twice that: 1 lies inside
 LN2_GRID = -42                # times an exponent of 11 bits stays exact
 SINE_STEPS = 256              # of the full circle
-ARC_STEPS = 64                # of the ratios 0..1
+ARC_STEPS = 128               # of the ratios 0..1
 ARC_GRID = -46                # angles to pi add up exactly
 TWO_OVER_PI_WORDS = 21
 
@@ -130,10 +130,10 @@ def header(what):
 def constants():
     ln2_step = LN2 // EXP_STEPS
     ln2_high = on_grid(LN2, LN2_GRID)
-    step_high = rounded(ln2_step, 35)
+    step_high = rounded(ln2_step, 34)
     circle = 2 * PI // SINE_STEPS
     circle_parts = parts(circle, 33, 33, 53)
-    lines = header("Constants in parts: the leading ones have few bits, so that products with small integers are exact.")
+    lines = header("In parts: the leading ones have few bits, so that small multiples are exact.")
 
     def constant(name, value):
         lines.append(f"inline constexpr f64 {name} = {literal(value)};")
@@ -168,7 +168,7 @@ def exp_table():
 
 
 def log_table():
-    lines = header("Of each interval of significands: 1/c in few bits, log(c) in two parts, and a place unused.")
+    lines = header("A row an interval of significands: 1/c, log(c) in two parts, a place unused.")
     step_log = LOG_STEPS.bit_length() - 1
     start = LOG_FIRST
     for _ in range(LOG_STEPS):
@@ -183,7 +183,8 @@ def log_table():
             assert abs(end * inverse - 1) <= Fraction(1, 2 ** step_log)
         value = -logarithm(inverse)
         high = on_grid(value, LN2_GRID)
-        lines.append(f"{literal(fixed(inverse))}, {literal(high)}, {literal(rounded(value - high))}, 0,")
+        low = rounded(value - high)
+        lines.append(f"{literal(fixed(inverse))}, {literal(high)}, {literal(low)}, 0,")
         start += width
     return lines
 
@@ -210,15 +211,17 @@ def atan_table():
         value = arc_tangent(Fraction(i, ARC_STEPS))
         high = on_grid(value, ARC_GRID)
         lines.append(f"{literal(high)}, {literal(rounded(value - high))},")
+    # Room for any index of one more bit: a lane that is not a number may ask for one.
+    lines += ["0, 0,"] * (2 * ARC_STEPS - (ARC_STEPS + 1))
     return lines
 
 
 def two_over_pi_table():
-    lines = header("The binary places of 2/pi, after one word of zeros; the first place is the top bit of a word.")
+    lines = header("The binary places of 2/pi after a word of zeros, from the top bit down.")
     bits = 64 * TWO_OVER_PI_WORDS
     number = (2 * ONE << bits) // PI
-    words = [0] + [number >> (bits - 64 * (i + 1)) & (1 << 64) - 1 for i in range(TWO_OVER_PI_WORDS)]
-    for word in words:
+    lowest_places = [bits - 64 * (i + 1) for i in range(TWO_OVER_PI_WORDS)]
+    for word in [0] + [number >> place & (1 << 64) - 1 for place in lowest_places]:
         lines.append(f"0x{word:016X},")
     return lines
 
