@@ -3,6 +3,7 @@
 
     generate.py OUTPUT WHAT...      writes each WHAT below the folder OUTPUT
     generate.py --check-header include/zlv40.h
+    generate.py --check-readme README.md
     generate.py --list
 """
 import argparse
@@ -35,18 +36,27 @@ def main():
     parser.add_argument("output", nargs="?", type=pathlib.Path)
     parser.add_argument("what", nargs="*", choices=[[], *GENERATORS])
     parser.add_argument("--check-header", type=pathlib.Path)
+    parser.add_argument("--check-readme", type=pathlib.Path)
     parser.add_argument("--list", action="store_true", help="the names of all described exports")
     options = parser.parse_args()
     try:
-        families = description.read_all()
+        run(options)
     except description.DescriptionError as mistake:
         sys.exit(f"description: {mistake}")
+
+
+def run(options):
+    families = description.read_all()
     if options.list:
         print("\n".join(export.name for family in families for export in family.exports))
     if options.check_header:
         mistakes = header_check.compare(options.check_header.read_text(), families)
         if mistakes:
             sys.exit("\n".join(f"{options.check_header}: {mistake}" for mistake in mistakes))
+    if options.check_readme:
+        wanted = f"<!-- effects -->\n{reference.effects_table(families)}<!-- /effects -->"
+        if wanted not in options.check_readme.read_text():
+            sys.exit(f"{options.check_readme}: its table of effects should read\n\n{wanted}")
     for what in options.what:
         for name, text in GENERATORS[what](families).items():
             write_if_changed(options.output / name, text)

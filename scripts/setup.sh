@@ -4,18 +4,18 @@
 #     scripts/setup.sh library|demo|windows|test|bench|lint
 set -eu
 
-tools="cmake ninja-build g++ python3 pkg-config libstb-dev libcli11-dev nlohmann-json3-dev"
-tests="googletest libmpfr-dev"
-windows="g++-mingw-w64-x86-64-posix wine64 $tests"
-sanitizers="clang lld llvm libclang-rt-14-dev"
+tools="cmake ninja-build g++ python3 pkg-config libstb-dev libcli11-dev"
+tests="googletest libmpfr-dev clang"
+windows="g++-mingw-w64-x86-64-posix wine64 llvm lld"
+sanitizers="libclang-rt-14-dev"
+bench="libbenchmark-dev libopencv-dev"
 
 case "${1:-}" in
-library) wanted="$tools $tests" ;;
-demo) wanted="$tools $tests" ;;
-windows) wanted="$tools $windows" ;;
-test) wanted="$tools $windows $sanitizers clang-format clang-tidy python3-numpy" ;;
-bench) wanted="$tools $tests libbenchmark-dev libopencv-dev" ;;
-lint) wanted="$tools $tests clang clang-format clang-tidy libbenchmark-dev" ;;
+library | demo) wanted="$tools $tests" ;;
+windows) wanted="$tools $tests $windows" ;;
+test) wanted="$tools $tests $windows $sanitizers clang-format clang-tidy" ;;
+bench) wanted="$tools $tests $bench" ;;
+lint) wanted="$tools $tests $bench clang-format clang-tidy" ;;
 *)
     echo "usage: scripts/setup.sh library|demo|windows|test|bench|lint" >&2
     exit 2

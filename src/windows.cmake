@@ -8,3 +8,4 @@ target_link_options(zlv40 PRIVATE
     -Wl,--dynamicbase,--high-entropy-va,--nxcompat,--no-insert-timestamp)
 target_link_libraries(zlv40 PRIVATE gcc msvcrt kernel32)
 enable_language(RC)
+include(${PROJECT_SOURCE_DIR}/cmake/import_library.cmake)

@@ -1,2 +1,246 @@
+"""The command's catalogue: a C++ table of the effects, and for each a function that calls its export.
+
+Only exports with a `command` stand in it: those that one call applies to one picture. The table's types are declared in
+tools/zlv/catalogue.h. The values of a call travel as doubles, one slot an argument that the user can set; a double
+holds every i32 and u32 exactly.
+"""
+import json
+
+import description
+
+VALUE_ROLES = ("number", "choice", "mask", "flags")
+LIMITS = {"u8": (0, 2**8 - 1), "u16": (0, 2**16 - 1), "u32": (0, 2**32 - 1),
+          "i8": (-2**7, 2**7 - 1), "i16": (-2**15, 2**15 - 1), "i32": (-2**31, 2**31 - 1)}
+REALS = ("f32", "f64")
+OF_THE_COMMAND = {"help", "jobs", "output", "quality", "format", "quiet", "progress", "version"}
+CHANNELS_OF_PICTURES = (1, 2, 3, 4)
+LONGEST_LITERAL = 2000
+
+
+def dashed(name):
+    """channelMask -> channel-mask."""
+    return "".join("-" + letter.lower() if letter.isupper() else letter for letter in name).strip("-")
+
+
+def ranged_number(facts, argument, where):
+    """The facts of a number: kind, range, step, default."""
+    is_real = argument.type in REALS
+    if not is_real and argument.type not in LIMITS:
+        description.fail(where, f"the command has no numbers of type {argument.type}")
+    lowest, highest = (None, None) if is_real else LIMITS[argument.type]
+    return {"kind": "real" if is_real else "integer", "unit": facts.get("unit", ""),
+            "minimum": facts.get("minimum", lowest), "maximum": facts.get("maximum", highest),
+            "step": facts.get("step"), "default": facts["default"]}
+
+
+def switches(argument, where):
+    """A flags argument becomes one switch a bit."""
+    default = argument.facts.get("default", 0)
+    if default & ~sum(flag["value"] for flag in argument.facts.get("flags", [])):
+        description.fail(where, "the default has bits that no flag names")
+    for flag in argument.facts.get("flags", []):
+        if "option" not in flag:
+            description.fail(where, f"{flag['name']} needs an option")
+        yield {"name": flag["option"], "argument": argument.name, "kind": "switch", "about": flag["about"],
+               "bit": flag["value"], "default": bool(default & flag["value"]), "channels": flag.get("channels", [])}
+
+
+def parameters_of_argument(argument, where):
+    """What the user can set of one argument, as the JSON listing shows it."""
+    facts = argument.facts
+    if argument.role == "flags":
+        yield from switches(argument, where)
+        return
+    if argument.role != "mask" and "default" not in facts:
+        description.fail(where, "the command needs a default")
+    parameter = {"name": facts.get("option", dashed(argument.name)), "argument": argument.name}
+    if argument.role == "mask":
+        parameter |= {"kind": "mask", "default": facts.get("default", "all")}
+    elif argument.role == "choice":
+        choices = [{key: choice.get(key, "") for key in ("name", "value", "about")} for choice in facts["choices"]]
+        named = [choice["name"] for choice in choices if choice["value"] == facts["default"]]
+        if not named:
+            description.fail(where, f"no choice has the default's value {facts['default']}")
+        parameter |= {"kind": "choice", "default": named[0], "choices": choices}
+    elif facts.get("unit") == "colour":
+        parameter |= {"kind": "colour", "default": "#" + facts["default"].to_bytes(3, "little").hex()}
+    else:
+        parameter |= ranged_number(facts, argument, where)
+    yield parameter | {"about": facts.get("about", "")}
+
+
+def parameters_of(export):
+    """All parameters of an export, each with the slot of the argument that it sets."""
+    found = []
+    slots = [argument for argument in export.arguments if argument.role in VALUE_ROLES]
+    for slot, argument in enumerate(slots):
+        for parameter in parameters_of_argument(argument, f"{export.family}, {export.name}, {argument.name}"):
+            found.append((slot, parameter))
+    names = [parameter["name"] for _, parameter in found]
+    for name in names:
+        if names.count(name) > 1 or name in OF_THE_COMMAND or name.startswith("no-"):
+            description.fail(f"{export.family}, {export.name}", f"the option {name} is taken; set `option`")
+    return found
+
+
+def images_of(export):
+    """{image argument: its name in the call}: one picture worked on in place, or a source and a target."""
+    where = f"{export.family}, {export.name}"
+    images = [argument for argument in export.arguments if argument.role == "image"]
+    written = [image for image in images if image.facts["access"] != "in"]
+    if len(written) != 1 or len(images) > 2 or export.result != "status":
+        description.fail(where, "a command changes one picture, or makes a second one from it, and returns a status")
+    return {image.name: "target" if image in written else "source" for image in images}
+
+
+def image_called(export, role):
+    """The image argument that is the call's source or target; None when there is no source."""
+    names = [name for name, called in images_of(export).items() if called == role]
+    return next((argument for argument in export.arguments if argument.name in names), None)
+
+
+def channels_read(export):
+    """The counts of channels of a picture that the effect takes."""
+    image = image_called(export, "source") or image_called(export, "target")
+    return [count for count in image.facts.get("channels", export.facts["channels"]) if count in CHANNELS_OF_PICTURES]
+
+
+def channels_made(export):
+    """The counts of the picture that it makes; empty when they are those of the picture that it takes."""
+    return image_called(export, "target").facts.get("channels", []) if image_called(export, "source") else []
+
+
+def argument_text(argument, images, slot, where):
+    """The C++ expression for one argument of the call."""
+    if argument.role == "image":
+        return f"call.{images[argument.name]}.samples"
+    if argument.role in ("width", "height", "channels", "stride"):
+        of = argument.facts.get("of", next(iter(images)))
+        return f"static_cast<{argument.c_type}>(call.{images[of]}.{argument.role})"
+    if argument.role == "mask":
+        return f"static_cast<{argument.c_type}>(call.Mask({slot}))"
+    if argument.role in VALUE_ROLES:
+        return f"static_cast<{argument.c_type}>(call.values[{slot}])"
+    if argument.is_pointer and argument.facts["null"] == "allowed":
+        return "nullptr"
+    return description.fail(where, f"the command cannot pass an argument with the role {argument.role}")
+
+
+def call_function(export):
+    images = images_of(export)
+    texts, slot = [], 0
+    for argument in export.arguments:
+        texts.append(argument_text(argument, images, slot, f"{export.family}, {export.name}, {argument.name}"))
+        slot += argument.role in VALUE_ROLES
+    head = f"uint32_t Call{export.name.removeprefix('ZLV40_')}(const EffectCall& call)"
+    body = ",\n        ".join(texts)
+    return f"{head}\n{{\n    return {export.name}(\n        {body});\n}}\n"
+
+
+def quoted(text):
+    return json.dumps(text, ensure_ascii=True)
+
+
+def long_quoted(text):
+    """A text as several literals: compilers need not take one of any length."""
+    pieces = [text[start:start + LONGEST_LITERAL] for start in range(0, len(text), LONGEST_LITERAL)]
+    return "\n    ".join(quoted(piece) for piece in pieces)
+
+
+def number(value, when_missing):
+    return when_missing if value is None else repr(float(value))
+
+
+def default_value(parameter):
+    """The default as the number that is passed; a mask's "all" is every bit."""
+    default = parameter["default"]
+    if parameter["kind"] == "choice":
+        return next(choice["value"] for choice in parameter["choices"] if choice["name"] == default)
+    if parameter["kind"] == "colour":
+        return int.from_bytes(bytes.fromhex(default[1:]), "little")
+    if parameter["kind"] == "switch":
+        return parameter["bit"] if default else 0
+    return 0xFFFFFFFF if default == "all" else default
+
+
+def channel_bits(counts):
+    return sum(1 << count for count in counts)
+
+
+def record(*fields):
+    return "    {" + ", ".join(str(field) for field in fields) + "},\n"
+
+
+def truth(value):
+    return "true" if value else "false"
+
+
+def parameter_entry(identifier, index, slot, parameter):
+    """The fields of a Parameter, in their order."""
+    return record(
+        quoted(parameter["name"]), quoted(parameter["about"]), quoted(parameter.get("unit", "")),
+        "Parameter::Kind::" + parameter["kind"].capitalize(), slot,
+        number(parameter.get("minimum"), "-kUnlimited"), number(parameter.get("maximum"), "kUnlimited"),
+        number(parameter.get("step"), "0.0"), number(default_value(parameter), None),
+        f"{parameter.get('bit', 0)}u", f"{channel_bits(parameter.get('channels', []))}u",
+        f"{identifier}Choices{index}" if parameter["kind"] == "choice" else "{}")
+
+
+def parameter_tables(export, found):
+    """The constant tables of one effect: choices of its parameters, the parameters."""
+    identifier = "k" + export.name.removeprefix("ZLV40_")
+    text, rows = "", ""
+    for index, (slot, parameter) in enumerate(found):
+        rows += parameter_entry(identifier, index, slot, parameter)
+        if parameter["kind"] == "choice":
+            choices = "".join(record(quoted(choice["name"]), number(choice["value"], None), quoted(choice["about"]))
+                              for choice in parameter["choices"])
+            text += f"constexpr Choice {identifier}Choices{index}[] = {{\n{choices}}};\n"
+    return text + (f"constexpr Parameter {identifier}Parameters[] = {{\n{rows}}};\n" if rows else "")
+
+
+def listing(family, export, found):
+    """One effect as `zlv list --json` shows it."""
+    facts = export.facts
+    return {"name": facts["command"], "function": export.name, "family": family.name, "familyTitle": family.title,
+            "summary": export.summary, "channels": channels_read(export), "channelsMade": channels_made(export),
+            "progress": facts["progress"], "cancel": facts["cancel"], "random": facts["random"],
+            "threads": facts["threads"],
+            "parameters": [parameter for _, parameter in found]}
+
+
+def effect_entry(family, export, found):
+    """The fields of an Effect, in their order."""
+    stem, facts = export.name.removeprefix("ZLV40_"), export.facts
+    return record(
+        quoted(facts["command"]), quoted(export.name), quoted(export.summary), quoted(family.title),
+        quoted(facts["progress"]), truth(facts["cancel"]), truth(facts["random"]), truth(facts["threads"] == "own"),
+        truth(image_called(export, "source")), f"{channel_bits(channels_read(export))}u",
+        f"{channel_bits(channels_made(export))}u",
+        sum(argument.role in VALUE_ROLES for argument in export.arguments),
+        f"k{stem}Parameters" if found else "{}", f"Call{stem}",
+        "\n    " + long_quoted(json.dumps(listing(family, export, found))))
+
+
+def commands(families):
+    """[(family, export)] of the exports that are commands, in the description's order."""
+    found = [(family, export) for family in families for export in family.exports if "command" in export.facts]
+    names = [export.facts["command"] for _, export in found]
+    for (family, export), name in zip(found, names):
+        if names.count(name) > 1:
+            description.fail(family.name, f"{export.name}: two effects are called {name}")
+    return found
+
+
 def write(families):
-    return {}
+    calls, tables, entries = "", "", ""
+    for family, export in commands(families):
+        found = parameters_of(export)
+        calls += call_function(export) + "\n"
+        tables += parameter_tables(export, found)
+        entries += effect_entry(family, export, found)
+    text = ("// Written by api/generators/catalogue.py from the description of the exports. Not edited by hand.\n"
+            '#include "catalogue.h"\n#include "zlv40.h"\n\n#include <cstdint>\n\n'
+            f"namespace zlv {{\nnamespace {{\n{calls}{tables}constexpr Effect kEffects[] = {{\n{entries}}};\n"
+            "}  // namespace\n\nstd::span<const Effect> AllEffects() { return kEffects; }\n}  // namespace zlv\n")
+    return {"catalogue_table.cpp": text}

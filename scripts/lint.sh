@@ -1,0 +1,45 @@
+#!/bin/sh
+# Checks the formatting of every C and C++ file, then runs clang-tidy over what the linux preset (and the benchmarks)
+# compile.   scripts/lint.sh [word that a file's path must contain]
+cd "$(dirname "$0")/.." || exit 1
+word=$1
+build="${ZLV_LINT_BUILD:-build}"
+failed=0
+
+folders=
+for folder in src include tools tests bench examples; do
+    [ -d "$folder" ] && folders="$folders $folder"
+done
+# shellcheck disable=SC2086  # the list of folders is words on purpose
+files=$(find $folders -name '*.cpp' -o -name '*.h' -o -name '*.c' | grep -F -- "$word" | sort)
+[ -n "$files" ] || { echo "no file to check" >&2; exit 1; }
+echo "$files" | xargs clang-format --dry-run -Werror || failed=1
+
+# Kernel files appear once for each instruction set: all of them are looked at.
+mkdir -p "$build/linux" "$build/bench"
+for preset in linux bench; do
+    cmake --preset $preset -B "$build/$preset" >"$build/$preset/configure.log" 2>&1 || {
+        cat "$build/$preset/configure.log"
+        exit 1
+    }
+done
+# What is generated must be there before anything that includes it can be read.
+cmake --build "$build/linux" --target zlv_export_lists -j2 >/dev/null || exit 1
+
+tidy() {
+    sources=$(python3 - "$build/$1/compile_commands.json" "$word" "$PWD" "$2" <<'END'
+import json, os, sys
+commands, word, root, folders = sys.argv[1:]
+files = {os.path.relpath(entry["file"], root) for entry in json.load(open(commands))}
+print("\n".join(sorted(f for f in files if f.startswith(tuple(folders.split())) and word in f and f.endswith(".cpp"))))
+END
+    )
+    [ -z "$sources" ] && { [ -n "$word" ] && return 0; echo "nothing to check in $1" >&2; return 1; }
+    echo "$sources" |
+        xargs -P2 -n1 clang-tidy --quiet -p "$build/$1" --extra-arg=-Wno-unknown-warning-option 2>/dev/null
+}
+tidy linux "src/ tools/" || failed=1
+tidy bench "bench/" || failed=1
+
+[ $failed = 0 ] && echo "clean"
+exit $failed

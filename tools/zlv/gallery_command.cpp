@@ -1,0 +1,103 @@
+// `zlv gallery`: every effect of the catalogue on one picture.
+#include "arguments.h"
+#include "catalogue.h"
+#include "commands.h"
+#include "errors.h"
+#include "gallery_page.h"
+#include "interrupt.h"
+#include "picture_files.h"
+#include "progress_bar.h"
+#include "shrink.h"
+
+#include <filesystem>
+#include <iostream>
+#include <new>
+#include <system_error>
+
+namespace zlv {
+namespace {
+
+struct GallerySettings {
+    std::string input, folder;
+    uint32_t side = 720;
+    bool isQuiet = false;
+};
+
+GalleryEntry MakeEntry(const Effect& effect, const Picture& original, uint32_t side, const Progress& progress)
+{
+    GalleryEntry entry{ChainStep(effect), {}, 0, {}};
+    try {
+        const EffectResult result = ApplyEffect(entry.step, original, progress);
+        entry.milliseconds = result.milliseconds;
+        entry.picture = DataUri(Shrunk(result.picture, side));
+    } catch (const PictureError& error) {
+        entry.failure = error.what();
+    } catch (const std::bad_alloc&) {
+        entry.failure = std::string(effect.name) + " failed: there is not enough memory for it";
+    }
+    return entry;
+}
+
+Gallery MakeGallery(const GallerySettings& settings, ProgressBar& bar)
+{
+    const Picture original = ReadPicture(settings.input);
+    const Picture shown = Shrunk(original, settings.side);
+    Gallery gallery;
+    gallery.input = settings.input;
+    gallery.fileName = settings.input == kStandardStream ? "-" : TextOf(PathOf(settings.input).filename());
+    gallery.original = DataUri(shown);
+    gallery.width = original.width, gallery.height = original.height, gallery.channels = original.channels;
+    gallery.shownWidth = shown.width, gallery.shownHeight = shown.height;
+    for (const Effect& effect : AllEffects()) {
+        PartProgress part(bar, std::string(effect.name));
+        gallery.entries.push_back(
+            MakeEntry(effect, original, settings.side, [&part](double fraction) { part.Reach(fraction); }));
+        part.Reach(1);
+        if (!gallery.entries.back().failure.empty()) bar.Say("zlv: " + gallery.entries.back().failure + ".");
+    }
+    return gallery;
+}
+
+void MakeFolder(const std::string& name)
+{
+    std::error_code error;
+    std::filesystem::create_directories(PathOf(name), error);
+    if (error || !std::filesystem::is_directory(PathOf(name), error))
+        throw PictureError("Cannot make the folder \"" + name +
+                           "\": " + (error ? error.message() : std::string("there is a file of that name")) + ".");
+}
+
+}  // namespace
+
+int RunGallery(const Arguments& arguments)
+{
+    GallerySettings settings;
+    CLI::App parser("Writes FOLDER/index.html: one page, complete in itself, that shows every effect on the picture.");
+    SetHabits(parser);
+    SetUsage(parser, "zlv gallery IN FOLDER [options]");
+    parser.add_option("IN", settings.input, "The picture")->required();
+    parser.add_option("FOLDER", settings.folder, "Where the page goes; made if it is not there")->required();
+    parser.add_option("--size", settings.side, "Longest side of the pictures on the page, 64 to 4096 (720)")
+        ->take_last()
+        ->check(CLI::Range(64u, 4096u).description(""))
+        ->type_name("PIXELS");
+    parser.add_flag("-q,--quiet", settings.isQuiet, "Show no progress bar and no closing line");
+    if (Parse(parser, arguments, "zlv gallery") == Parsed::HelpShown) return kExitDone;
+
+    bool isComplete = true;
+    std::string page;
+    {
+        ProgressBar bar(settings.isQuiet ? ShowProgress::Never : ShowProgress::OnTerminal, AllEffects().size());
+        const Gallery gallery = MakeGallery(settings, bar);
+        for (const GalleryEntry& entry : gallery.entries) isComplete = isComplete && entry.failure.empty();
+        page = GalleryPage(gallery);
+    }
+    StopIfInterrupted();
+    MakeFolder(settings.folder);
+    const std::string file = TextOf(PathOf(settings.folder) / "index.html");
+    WriteWholeFile(file, Bytes(page.begin(), page.end()));
+    if (!settings.isQuiet) std::cout << "The gallery is " << file << "\n";
+    return isComplete ? kExitDone : kExitFailed;
+}
+
+}  // namespace zlv
