@@ -1,7 +1,7 @@
 // Gray values from the samples of a row.
 //
-// AVX2 and up: bytes of four pixels a lane are spread to words, two multiply-adds weigh them, and four vectors of sums are
-// packed back into bytes.
+// AVX2 and up: bytes of four pixels a lane are spread to words, two multiply-adds weigh them, and four vectors of
+// sums are packed back into bytes.
 #include "base/channels.kernels.h"
 
 #if !defined(ZLV_PORTABLE)

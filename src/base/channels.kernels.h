@@ -10,8 +10,8 @@ namespace zlv {
 inline constexpr u32 kRedWeight = 306, kGreenWeight = 601, kBlueWeight = 117;
 
 struct ChannelKernels {
-    // gray[x] = (sum of weights[c] * pixels[x * channels + c]) >> 10 over the first three of 3 or 4 channels. The weights
-    // add up to 1024.
+    // gray[x] = (sum of weights[c] * pixels[x * channels + c]) >> 10 over the first three of 3 or 4 channels. The
+    // weights add up to 1024.
     void (*grayRow8)(const u8* pixels, u8* gray, size_t count, size_t channels, const u32* weights);
     void (*grayRow16)(const u16* pixels, u16* gray, size_t count, size_t channels, const u32* weights);
 };

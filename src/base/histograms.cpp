@@ -168,8 +168,8 @@ struct LevelRange {
     u32 low, high;
 };
 
-// A lowest level of 0 is found for a low end of 0, however dark the darkest sample is, while the high end moves to where
-// the running sum reaches its share. Presets are tuned to this asymmetry.
+// A lowest level of 0 is found for a low end of 0, however dark the darkest sample is, while the high end moves to
+// where the running sum reaches its share. Presets are tuned to this asymmetry.
 template <class T>
 LevelRange FindLevels(const u32* histogram, u64 pixels, const StretchEnds& ends)
 {

@@ -18,7 +18,8 @@ struct CoveredPixels {
 CoveredPixels Cover(const ImageView<u8>& image, const SolidRect& rect)
 {
     if (rect.left >= image.width || rect.top >= image.height) return {};
-    // Differences of unsigned coordinates: a rectangle turned over wraps to a large one and is cut, a width of 2^32 to none.
+    // Differences of unsigned coordinates: a rectangle turned over wraps to a large one and is cut, a width of 2^32
+    // to none.
     const u32 columns = rect.right - rect.left + 1;
     const u32 rows = rect.bottom - rect.top;
     return {rect.left, rect.top, std::min(columns, image.width - rect.left), std::min(rows, image.height - rect.top)};

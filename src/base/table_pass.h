@@ -8,7 +8,8 @@ namespace zlv {
 
 // Maps an image in place. `luts` is an array of one table for each channel, 256 entries of u8 or, with
 // kSixteenBitSamples in `flags`, 65536 of u16; a null table leaves its channel alone. Returns 1; or 0 with code 5 for a
-// null buffer, or null luts of an image that has channels. Reports (row, height) after each row; a cancel gives code 14.
+// null buffer, or null luts of an image that has channels. Reports (row, height) after each row; a cancel gives code
+// 14.
 ZLV_BASE u32 MV40_ApplyLUTsToImage(void* buffer, u32 width, u32 height, u32 channels, u32 rowStride,
                                    const void* const* luts, u32 flags);
 

@@ -124,9 +124,9 @@ void MapPixelsWide(u8* samples, size_t pixels, const void* const* tables)
 
 #elif defined(ZLV_TARGET_avx2)
 
-// Entry i of a table, for i = 16 * part + low: a shuffle finds `low` in a part. Walking up the parts, 16 is taken off the
-// samples each time; those below zero then give 0. With each part stored as the difference from the one before it, the
-// exclusive or of all answers so far is the entry of the part that a sample was last in.
+// Entry i of a table, for i = 16 * part + low: a shuffle finds `low` in a part. Walking up the parts, 16 is taken off
+// the samples each time; those below zero then give 0. With each part stored as the difference from the one before
+// it, the exclusive or of all answers so far is the entry of the part that a sample was last in.
 struct WalkTable {
     __m256i differences[16];
 };

@@ -1,8 +1,9 @@
 // Instruction sets: which one the kernels of this process run on.
 //
 // A kernel file (*.kernels.cpp) is compiled once for each target, into zlv::<target>, and exports one constant table of
-// function pointers there. The header beside it declares the tables with ZLV_DECLARE_KERNELS and the rest of the library
-// reaches the right one through Kernels<Table>(). The choice is made once, when the library loads; it changes no result.
+// function pointers there. The header beside it declares the tables with ZLV_DECLARE_KERNELS and the rest of the
+// library reaches the right one through Kernels<Table>(). The choice is made once, when the library loads; it changes
+// no result.
 #pragma once
 
 #include "platform/types.h"

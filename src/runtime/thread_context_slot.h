@@ -1,8 +1,8 @@
 // The owner of one layer's per-thread records.
 //
-// A thread's record comes into being when the thread first asks for it. The list of all records is what a teardown frees,
-// also for threads that live on. A record whose thread has ended is either destroyed (Release) or kept, idle, and given
-// to the next thread that needs one (Retire): a host with many short threads does not grow for ever.
+// A thread's record comes into being when the thread first asks for it. The list of all records is what a teardown
+// frees, also for threads that live on. A record whose thread has ended is either destroyed (Release) or kept, idle,
+// and given to the next thread that needs one (Retire): a host with many short threads does not grow for ever.
 #pragma once
 
 #include "platform/platform.h"

@@ -261,8 +261,8 @@ const struct {
     {"a low end of everything is 0", 100, 0, {1, 2, 3, 250}, {0, 0, 0, 0}},
     // The black point stays at 0, the white point moves to 150: 100 * 255 / 150 = 170, 50 -> 85.
     {"without ends the white point moves and the black point does not", 0, 0, {50, 100, 150, 100}, {85, 170, 255, 170}},
-    // lowCount 0 and highCount 3: the black point is found at 0, the running sum reaches 3 at 100. The scale 255 / 100 is
-    // rounded down, so 100 gives 254.99..., and 50 gives 127.49...
+    // lowCount 0 and highCount 3: the black point is found at 0, the running sum reaches 3 at 100. The scale 255 /
+    // 100 is rounded down, so 100 gives 254.99..., and 50 gives 127.49...
     {"the high end moves to where the sum reaches its share", 0, 25, {50, 100, 150, 100}, {127, 254, 255, 254}},
     // Both ends ask for 1 of 20: the low index is found at 80, which is not looked at again, the high one at 81.
     {"a flat picture spans one level", 5, 5, Bytes(20, 80), Bytes(20, 0)},

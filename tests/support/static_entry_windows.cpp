@@ -1,5 +1,5 @@
-// A test program that links the library's objects has no DLL entry point: a thread-local-storage callback of the program
-// tells the library of its load and of threads that end.
+// A test program that links the library's objects has no DLL entry point: a thread-local-storage callback of the
+// program tells the library of its load and of threads that end.
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 

@@ -1,0 +1,185 @@
+// Runs the rows: ours, the peer, and a copy of the same bytes as the physical limit.
+//
+//   --rows=TEXT     only rows whose name contains the text
+//   --all-targets   ours once more for each other instruction set that this processor runs
+//
+// Everything else goes to Google Benchmark. Outputs are compared with the peer's, and every instruction set's with each
+// other, before anything is timed; a difference ends the program.
+#include "bench_row.h"
+#include "opencv_peers.h"
+#include "runtime/targets.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <set>
+
+namespace zlvbench {
+
+namespace {
+
+constexpr u64 kImageSeed = 20;
+constexpr u64 kOutputSeed = 21;
+
+struct Options {
+    std::string rows;
+    bool hasAllTargets = false;
+};
+
+// Takes our own options out of the arguments.
+Options TakeOptions(int& argc, char** argv)
+{
+    Options options;
+    int kept = 1;
+    for (int i = 1; i < argc; ++i) {
+        if (std::strncmp(argv[i], "--rows=", 7) == 0) options.rows = argv[i] + 7;
+        else if (std::strcmp(argv[i], "--all-targets") == 0) options.hasAllTargets = true;
+        else argv[kept++] = argv[i];
+    }
+    argc = kept;
+    return options;
+}
+
+std::vector<u8> Fill(size_t bytes, u64 seed)
+{
+    RandomBytes random(seed);
+    std::vector<u8> filled(bytes);
+    for (u8& value : filled) value = u8(random.Next());
+    return filled;
+}
+
+class Memory {
+public:
+    explicit Memory(const BenchRow& row)
+        : image_(Fill(row.shape.Bytes(), kImageSeed)), output_(Fill(row.outputBytes, kOutputSeed))
+    {
+    }
+
+    Buffers Pointers() { return {image_.data(), output_.empty() ? nullptr : output_.data()}; }
+    bool operator==(const Memory&) const = default;
+
+private:
+    std::vector<u8> image_;
+    std::vector<u8> output_;
+};
+
+Memory ResultOf(const BenchRow& row, const Work& work)
+{
+    Memory memory(row);
+    work(memory.Pointers());
+    return memory;
+}
+
+void RequireSame(bool isSame, const BenchRow& row, const char* other)
+{
+    if (isSame) return;
+    std::fprintf(stderr, "%s: the output is not that of %s\n", row.name.c_str(), other);
+    std::exit(1);
+}
+
+void CompareOutputs(const BenchRow& row, const std::vector<Target>& targets)
+{
+    const Memory ours = ResultOf(row, row.ours);
+    RequireSame(!(ours == Memory(row)), row, "a function that does something");
+    for (const Target target : targets) {
+        activeTarget = target;
+        RequireSame(ResultOf(row, row.ours) == ours, row, kTargetNames[u32(target)]);
+    }
+    ChooseTarget();
+    if (row.peer.work && row.peer.isBitEqual) RequireSame(ResultOf(row, row.peer.work) == ours, row, row.peer.name);
+}
+
+void Count(benchmark::State& state, size_t pixels, size_t bytes)
+{
+    state.SetItemsProcessed(i64(state.iterations()) * i64(pixels));
+    state.SetBytesProcessed(i64(state.iterations()) * i64(bytes));
+    state.counters["pixels"] = f64(pixels);
+    state.counters["bytes"] = f64(bytes);
+}
+
+void RunWork(benchmark::State& state, const BenchRow& row, const Work& work, Target target, const char* label)
+{
+    Memory memory(row);
+    const Buffers buffers = memory.Pointers();
+    activeTarget = target;
+    work(buffers);
+    for ([[maybe_unused]] auto _ : state) {
+        work(buffers);
+        benchmark::ClobberMemory();
+    }
+    ChooseTarget();
+    Count(state, row.shape.Pixels(), row.shape.Bytes());
+    state.SetLabel(label);
+}
+
+void RunCopy(benchmark::State& state, size_t bytes)
+{
+    const std::vector<u8> from = Fill(bytes, kImageSeed);
+    std::vector<u8> to(bytes);
+    for ([[maybe_unused]] auto _ : state) {
+        std::memcpy(to.data(), from.data(), bytes);
+        benchmark::ClobberMemory();
+    }
+    Count(state, bytes, bytes);
+}
+
+template <class Run>
+void Register(const std::string& name, Run run)
+{
+    benchmark::RegisterBenchmark(name.c_str(), run);
+}
+
+void RegisterRow(const BenchRow& row, const std::vector<Target>& targets)
+{
+    const Target best = BestTarget();
+    Register(row.name, [=](benchmark::State& state) { RunWork(state, row, row.ours, best, kTargetNames[u32(best)]); });
+    for (const Target target : targets) {
+        const char* const targetName = kTargetNames[u32(target)];
+        Register(row.name + "/target=" + targetName,
+                 [=](benchmark::State& state) { RunWork(state, row, row.ours, target, targetName); });
+    }
+    if (!row.peer.work) return;
+    Register(row.name + "/peer",
+             [=](benchmark::State& state) { RunWork(state, row, row.peer.work, best, row.peer.name); });
+}
+
+int Main(int argc, char** argv)
+{
+    const Options options = TakeOptions(argc, argv);
+    PrepareOpenCv();
+
+    std::vector<Target> targets;
+    for (u32 i = 0; options.hasAllTargets && i < u32(BestTarget()); ++i) targets.push_back(Target(i));
+
+    u32 count = 0;
+    std::set<size_t> copies;
+    for (const auto rowsOfFamily : {ToneRows, BaseRows}) {
+        for (const BenchRow& row : rowsOfFamily()) {
+            if (row.name.find(options.rows) == std::string::npos) continue;
+            CompareOutputs(row, targets);
+            RegisterRow(row, targets);
+            copies.insert(row.shape.Bytes());
+            ++count;
+        }
+    }
+    if (count == 0) {
+        std::fprintf(stderr, "no row's name contains \"%s\"\n", options.rows.c_str());
+        return 1;
+    }
+    for (const size_t bytes : copies) {
+        Register("memcpy/" + std::to_string(bytes), [=](benchmark::State& state) { RunCopy(state, bytes); });
+    }
+
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
+
+}  // namespace
+
+}  // namespace zlvbench
+
+int main(int argc, char** argv) { return zlvbench::Main(argc, argv); }
