@@ -37,8 +37,9 @@ def compare(header, families):
         if normal(match["result"]) != description.RESULTS[export.result]:
             mistakes.append(f"{name} returns {normal(match['result'])}, described as {export.result}")
         wanted = [(argument.c_type, argument.name) for argument in export.arguments]
-        if declared_arguments(match["arguments"]) != wanted:
-            mistakes.append(f"{name} is declared with {declared_arguments(match['arguments'])}, described with {wanted}")
+        found = declared_arguments(match["arguments"])
+        if found != wanted:
+            mistakes.append(f"{name} is declared with {found}, described with {wanted}")
     return mistakes + flag_mistakes(header, described)
 
 

@@ -95,7 +95,7 @@ class Formats(CommandTest):
 
     def test_unicode_file_names(self):
         original = pattern(4, 4, 3)
-        for name in ("Zoë – Ärger", "写真", "эффект"):
+        for name in ("Zo\u00eb \u2013 \u00c4rger", "\u5199\u771f", "\u044d\u0444\u0444\u0435\u043a\u0442"):
             with self.subTest(name):
                 self.write(name + ".png", original)
                 self.succeed(self.run_command("apply", "invert", name + ".png", name + "-neu.png"))

@@ -75,7 +75,7 @@ button:hover { color: var(--accent); border-color: var(--accent); }
 .failure { padding: 2.5rem 1.1rem; text-align: center; color: var(--accent); background: var(--code); margin: 0; }
 footer.wide { color: var(--soft); font-size: .85rem; padding-block: 2.5rem 3rem; }
 [hidden] { display: none !important; }
-@media (max-width: 44rem) { .lead { grid-template-columns: 1fr; } 
+@media (max-width: 44rem) { .lead { grid-template-columns: 1fr; }
   .lead .original { justify-self: start; } .bar nav { display: none; } .bar input { margin: 0; flex: 1; } }
 @media print { .bar, button { display: none; } figure { break-inside: avoid; } }
 )css";
