@@ -30,7 +30,7 @@ public:
         if (normalX == 0 && normalY == 0) return z_;
         const i32 toLight = normalX * x_ + normalY * y_ + normalZ_ * z_;
         if (toLight < 0) return 0;
-        return i32(toLight / std::sqrt(f64(normalX * normalX + normalY * normalY + normalZ_ * normalZ_)));
+        return i32(toLight / Sqrt(f64(normalX * normalX + normalY * normalY + normalZ_ * normalZ_)));
     }
 
 private:

@@ -51,6 +51,10 @@ f64 Atan2(f64 y, f64 x);
 // Dekker's exact squares and one Newton step (runtime/math/hypot.cpp).
 f64 Hypot(f64 x, f64 y);
 
+// The square root: correctly rounded, one instruction everywhere. (std::sqrt is a call of the C run-time in a build without
+// optimisation.)
+inline f64 Sqrt(f64 x) { return __builtin_sqrt(x); }
+
 // The same functions over arrays of count numbers, bit for bit what the functions above return.
 // Several numbers go side by side where the processor can; zeros, infinities, NaN and arguments off
 // the fast path cost as much as a call of the function above. The output may be one of the inputs;
