@@ -36,7 +36,7 @@ windows:
 
 lint:
 	@scripts/setup.sh lint
-	@scripts/lint.sh
+	@scripts/lint.sh --all
 
 math-report:
 	@scripts/setup.sh library

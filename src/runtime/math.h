@@ -51,8 +51,8 @@ f64 Atan2(f64 y, f64 x);
 // Dekker's exact squares and one Newton step (runtime/math/hypot.cpp).
 f64 Hypot(f64 x, f64 y);
 
-// The square root: correctly rounded, one instruction everywhere. (std::sqrt is a call of the C run-time in a build without
-// optimisation.)
+// The square root: correctly rounded, one instruction everywhere. (std::sqrt is a call of the C
+// run-time in a build without optimisation.)
 inline f64 Sqrt(f64 x) { return __builtin_sqrt(x); }
 
 // The same functions over arrays of count numbers, bit for bit what the functions above return.
