@@ -88,8 +88,11 @@ FittedPicture::FittedPicture(Picture picture, uint32_t accepted)
     const auto preferences = Preferences(picture.channels);
     const auto wanted = std::find_if(preferences.begin(), preferences.end(),
                                      [accepted](uint32_t count) { return (accepted >> count & 1u) != 0; });
-    picture_ = *wanted == picture.channels ? std::move(picture) : WithChannels(picture, *wanted);
-    if (*wanted == picture.channels) return;
+    if (*wanted == picture.channels) {
+        picture_ = std::move(picture);
+        return;
+    }
+    picture_ = WithChannels(picture, *wanted);
     addedAlpha_ = picture_.HasAlpha() && !picture.HasAlpha();
     addedColour_ = picture_.HasColour() && !picture.HasColour();
     if (picture.HasAlpha() && !picture_.HasAlpha()) alpha_ = AlphaOf(picture);

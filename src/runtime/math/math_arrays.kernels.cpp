@@ -32,10 +32,10 @@ constexpr size_t kVectorBytes = 32;
 constexpr size_t kVectorBytes = 16;
 #endif
 
-typedef f64 Vector __attribute__((vector_size(kVectorBytes)));
-typedef u64 VectorBits __attribute__((vector_size(kVectorBytes)));
-typedef i64 VectorMask __attribute__((vector_size(kVectorBytes)));
-typedef f64 LooseVector __attribute__((vector_size(kVectorBytes), aligned(8), may_alias));
+using Vector __attribute__((vector_size(kVectorBytes))) = f64;
+using VectorBits __attribute__((vector_size(kVectorBytes))) = u64;
+using VectorMask __attribute__((vector_size(kVectorBytes))) = i64;
+using LooseVector __attribute__((vector_size(kVectorBytes), aligned(8), may_alias)) = f64;
 
 template <>
 struct Lane<Vector> {

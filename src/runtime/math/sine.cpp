@@ -5,7 +5,7 @@
 namespace zlv {
 namespace {
 
-__extension__ typedef unsigned __int128 u128;
+__extension__ typedef unsigned __int128 u128;  // NOLINT(modernize-use-using): using takes no __extension__
 
 // 192 binary places, the most significant word first.
 struct Places {
