@@ -378,7 +378,8 @@ TimeOfDay LocalTime()
 namespace {
 
 [[gnu::constructor]] void EnterLibrary() { OnLibraryLoad(); }
-[[gnu::destructor]] void LeaveLibrary() { OnLibraryUnload(); }
+// The loader calls this for an unloading and for the end of the process alike, and does not tell which.
+[[gnu::destructor]] void LeaveLibrary() { OnLibraryUnload(false); }
 
 }  // namespace
 

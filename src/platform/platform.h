@@ -107,6 +107,6 @@ struct TimeOfDay {
 
 // Called by the system's loader through the entry point of each system; the runtime defines both.
 void OnLibraryLoad();
-void OnLibraryUnload();
+void OnLibraryUnload(bool isProcessEnding);
 
 }  // namespace zlv::platform

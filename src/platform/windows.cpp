@@ -279,11 +279,7 @@ BOOL WINAPI ZlvDllEntry(HINSTANCE, DWORD reason, void* isProcessEnding)
     switch (reason) {
     case DLL_PROCESS_ATTACH: OnLibraryLoad(); break;
     case DLL_THREAD_DETACH: OnThreadEnd(); break;
-    case DLL_PROCESS_DETACH:
-        // When the process ends, its other threads were killed wherever they were, perhaps inside a lock of ours; the
-        // system takes everything back. Only an unloading in a living process has to clean up.
-        if (!isProcessEnding) OnLibraryUnload();
-        break;
+    case DLL_PROCESS_DETACH: OnLibraryUnload(isProcessEnding != nullptr); break;
     default: break;
     }
     return TRUE;

@@ -40,9 +40,12 @@ void platform::OnLibraryLoad()
     WriteFloatEnvironment(host);
 }
 
-void platform::OnLibraryUnload()
+void platform::OnLibraryUnload(bool isProcessEnding)
 {
     ZLV40_Exit();
+    // When a process ends, Windows has killed its other threads wherever they were, perhaps inside a lock of ours, and
+    // takes everything back. Only an unloading in a living process has to clean up.
+    if (isProcessEnding) return;
     exportedContexts.TearDown();
     baseContexts.TearDown();
 }
