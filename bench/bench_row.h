@@ -50,6 +50,9 @@ struct BenchRow {
 };
 
 std::vector<BenchRow> BaseRows();
+std::vector<BenchRow> FilterRows();
+std::vector<BenchRow> GaussianRows();
+std::vector<BenchRow> OverlayRows();
 std::vector<BenchRow> ToneRows();
 
 // The same bytes on every run and machine.

@@ -1,0 +1,57 @@
+// The channels that a mask selects, and their samples as dense rows.
+#pragma once
+
+#include "platform/types.h"
+
+#include <cstring>
+
+namespace zlv {
+
+class ChannelList {
+public:
+    static constexpr u32 kMaxChannels = 32;  // bits of a mask
+
+    // Channels at most kMaxChannels.
+    ChannelList(u32 mask, u32 channels) : channels_(channels)
+    {
+        for (u32 c = 0; c < channels; ++c) {
+            if ((mask >> c) & 1) list_[count_++] = u8(c);
+        }
+    }
+
+    u32 Count() const { return count_; }
+    bool IsAll() const { return count_ == channels_; }
+
+    // The selected samples of `pixels` pixels, one after the other.
+    template <class T>
+    void Gather(const T* image, size_t pixels, T* samples) const
+    {
+        if (IsAll()) {
+            std::memcpy(samples, image, pixels * channels_ * sizeof(T));
+            return;
+        }
+        for (size_t x = 0; x < pixels; ++x, image += channels_, samples += count_) {
+            for (u32 i = 0; i < count_; ++i) samples[i] = image[list_[i]];
+        }
+    }
+
+    // Back to their places; the other channels of the image are not written.
+    template <class T>
+    void Scatter(const T* samples, size_t pixels, T* image) const
+    {
+        if (IsAll()) {
+            std::memcpy(image, samples, pixels * channels_ * sizeof(T));
+            return;
+        }
+        for (size_t x = 0; x < pixels; ++x, image += channels_, samples += count_) {
+            for (u32 i = 0; i < count_; ++i) image[list_[i]] = samples[i];
+        }
+    }
+
+private:
+    u32 channels_;
+    u32 count_ = 0;
+    u8 list_[kMaxChannels] = {};
+};
+
+}  // namespace zlv
