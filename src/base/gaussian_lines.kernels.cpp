@@ -223,7 +223,7 @@ void RunSecondPass(const RecursiveGaussianCoefficients<Real>& filter, u16* lines
 }
 
 constexpr size_t kTile = 8;
-typedef u16 TileRow __attribute__((vector_size(kTile * sizeof(u16))));
+using TileRow __attribute__((vector_size(kTile * sizeof(u16)))) = u16;
 
 // Each round moves every element one bit of its place further; three rounds exchange the row's bits for the column's.
 void TransposeTile(const u16* from, size_t fromStep, u16* to, size_t toStep)

@@ -21,10 +21,10 @@ constexpr size_t kVectorBytes = 16;
 template <class Real>
 struct Lanes {
     static constexpr size_t kCount = kVectorBytes / sizeof(Real);
-    typedef Real Reals __attribute__((vector_size(kVectorBytes)));
-    typedef i32 Ints __attribute__((vector_size(kCount * sizeof(i32))));
-    typedef u16 Words __attribute__((vector_size(kCount * sizeof(u16))));
-    typedef i16 SignedWords __attribute__((vector_size(kCount * sizeof(i16))));
+    using Reals __attribute__((vector_size(kVectorBytes))) = Real;
+    using Ints __attribute__((vector_size(kCount * sizeof(i32)))) = i32;
+    using Words __attribute__((vector_size(kCount * sizeof(u16)))) = u16;
+    using SignedWords __attribute__((vector_size(kCount * sizeof(i16)))) = i16;
 };
 
 template <class Real>

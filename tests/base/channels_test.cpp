@@ -1,6 +1,7 @@
 #include "base/channels.h"
 
 #include "plain/plain_channels.h"
+#include "support/base_layer.h"
 #include "support/bytes.h"
 #include "support/guarded_buffer.h"
 #include "support/progress_recorder.h"
@@ -10,6 +11,8 @@ namespace zlv {
 namespace {
 
 using zlvtest::Bytes;
+using zlvtest::ForBothWidths;
+using zlvtest::kWidthFlag;
 using zlvtest::ProgressRecorder;
 using zlvtest::Rows;
 
@@ -20,22 +23,6 @@ std::vector<T> RandomSamples(size_t count, u64 seed)
     std::vector<T> samples(count);
     for (T& sample : samples) sample = T(random.Next());
     return samples;
-}
-
-template <class T>
-constexpr u32 kWidthFlag = sizeof(T) == 2 ? kSixteenBitSamples : 0;
-
-template <class Test>
-void ForBothWidths(Test test)
-{
-    {
-        SCOPE("8 bits");
-        test.template operator()<u8>();
-    }
-    {
-        SCOPE("16 bits");
-        test.template operator()<u16>();
-    }
 }
 
 TEST(ImageToGray, EveryTargetEqualsPlain)

@@ -2,6 +2,7 @@
 
 #include "base/sample.h"
 #include "plain/plain_convolution.h"
+#include "support/base_layer.h"
 #include "support/bytes.h"
 #include "support/guarded_buffer.h"
 #include "support/progress_recorder.h"
@@ -16,6 +17,8 @@ namespace zlv {
 namespace {
 
 using zlvtest::Bytes;
+using zlvtest::ForBothWidths;
+using zlvtest::kWidthFlag;
 using zlvtest::ProgressRecorder;
 using zlvtest::Rows;
 
@@ -30,9 +33,6 @@ std::vector<T> RandomSamples(size_t count, u64 seed)
     for (T& sample : samples) sample = T(random.Next());
     return samples;
 }
-
-template <class T>
-constexpr u32 kWidthFlag = sizeof(T) == 2 ? kSixteenBitSamples : 0;
 
 struct Image {
     u32 width, height, channels, padding;
@@ -88,19 +88,6 @@ const struct {
     {"a mean", Ninth, 0.36},
     {"integers beyond 16 bits", LargeInteger, 1.0 / 40000},
 };
-
-template <class Test>
-void ForBothWidths(Test test)
-{
-    {
-        SCOPE("8 bits");
-        test.template operator()<u8>();
-    }
-    {
-        SCOPE("16 bits");
-        test.template operator()<u16>();
-    }
-}
 
 TEST(Convolution, EveryTargetEqualsPlain)
 {

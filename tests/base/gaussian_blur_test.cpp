@@ -4,6 +4,7 @@
 #include "base/sample.h"
 #include "plain/plain_gaussian_blur.h"
 #include "runtime/math.h"
+#include "support/base_layer.h"
 #include "support/bytes.h"
 #include "support/guarded_buffer.h"
 #include "support/progress_recorder.h"
@@ -20,15 +21,15 @@ namespace {
 
 using zlvtest::Bytes;
 using zlvtest::Flush;
+using zlvtest::ForBothWidths;
 using zlvtest::GuardedBuffer;
+using zlvtest::kWidthFlag;
 using zlvtest::ProgressRecorder;
+using zlvtest::Recording;
 using zlvtest::Report;
 
 constexpr PlainBlurMath kMath = {Exp, Sin, Cos, Pow};
 constexpr f64 kInfinity = std::numeric_limits<f64>::infinity();
-
-template <class T>
-constexpr u32 kWidthFlag = sizeof(T) == 2 ? kSixteenBitSamples : 0;
 
 struct Shape {
     u32 width, height, channels;
@@ -74,7 +75,7 @@ u32 Blur(const Shape& shape, const std::vector<T>& source, std::vector<T>& desti
                                   destination.data(), shape.DestinationStride(), sigma, flags | kWidthFlag<T>);
 }
 
-// The twin; `lastReport` reports are answered by 1, the one after them by 0.
+// The twin; report number `cancelAt` is answered by 0.
 template <class T>
 std::vector<Report> BlurPlainly(const Shape& shape, const std::vector<T>& source, std::vector<T>& destination,
                                 f64 sigma, u32 flags, size_t cancelAt = 0)
@@ -89,19 +90,6 @@ std::vector<Report> BlurPlainly(const Shape& shape, const std::vector<T>& source
 }
 
 template <class Test>
-void ForBothWidths(Test test)
-{
-    {
-        SCOPE("8 bits");
-        test.template operator()<u8>();
-    }
-    {
-        SCOPE("16 bits");
-        test.template operator()<u16>();
-    }
-}
-
-template <class Test>
 void OnEveryTarget(Test test)
 {
     for (const Target target : zlvtest::RunnableTargets()) {
@@ -110,17 +98,6 @@ void OnEveryTarget(Test test)
         ForBothWidths(test);
     }
 }
-
-class Recording {
-public:
-    explicit Recording(size_t cancelAt = 0)
-    {
-        recorder.cancelAt = cancelAt;
-        MV40_SetCallback(recorder.Function, recorder.Data());
-    }
-    ~Recording() { MV40_SetCallback(nullptr, 0); }
-    ProgressRecorder recorder;
-};
 
 template <class T>
 void ExpectEqualsPlain(const Shape& shape, Content content, f64 sigma, u32 flags)
@@ -220,6 +197,8 @@ TEST(GaussianBlur, LargeSigmasAreDefined)
     OnEveryTarget([]<class T>() {
         for (const f64 sigma : {1e4, 1e6, 1e8, 1e20, 1e38}) {
             ExpectEqualsPlain<T>({90, 60, 1}, Content::Noise, sigma, 1);
+            ExpectEqualsPlain<T>({5000, 3, 1}, Content::Noise, sigma, 1);
+            ExpectEqualsPlain<T>({3, 5000, 1}, Content::Noise, sigma, 1);
         }
         ExpectEqualsPlain<T>({40, 30, 1}, Content::Noise, 1000, 1 | kBlurDirectly);
     });
@@ -280,7 +259,6 @@ TEST(GaussianBlur, AFlatImageKeepsItsLevelUpToOne)
     });
 }
 
-// Whatever is black and stays black.
 TEST(GaussianBlur, BlackStaysBlack)
 {
     OnEveryTarget([]<class T>() {
@@ -455,6 +433,7 @@ TEST(GaussianBlur, NoColumnIsWrittenAheadOfItsReport)
         std::vector<u8> got(source.size(), u8(1));
         Recording recording;
         std::vector<u32> columnsWritten;
+        // The first row tells.
         recording.recorder.atReport = [&] {
             columnsWritten.push_back(u32(std::count_if(&got[0], &got[40], [](u8 v) { return v != 1; })));
         };

@@ -2,6 +2,7 @@
 
 #include "base/sample.h"
 #include "plain/plain_histograms.h"
+#include "support/base_layer.h"
 #include "support/bytes.h"
 #include "support/progress_recorder.h"
 #include "support/test_hooks.h"
@@ -16,7 +17,10 @@ namespace zlv {
 namespace {
 
 using zlvtest::Bytes;
+using zlvtest::ForBothWidths;
+using zlvtest::kWidthFlag;
 using zlvtest::ProgressRecorder;
+using zlvtest::Recording;
 using zlvtest::Report;
 using zlvtest::Rows;
 
@@ -37,34 +41,6 @@ struct Picture {
 
     PlainImageShape shape;
     std::vector<T> samples;
-};
-
-template <class T>
-constexpr u32 kWidthFlag = sizeof(T) == 2 ? kSixteenBitSamples : 0;
-
-// Runs a callable for both sample widths.
-template <class Test>
-void ForBothWidths(Test test)
-{
-    {
-        SCOPE("8 bits");
-        test.template operator()<u8>();
-    }
-    {
-        SCOPE("16 bits");
-        test.template operator()<u16>();
-    }
-}
-
-class Recording {
-public:
-    explicit Recording(size_t cancelAt = 0)
-    {
-        recorder.cancelAt = cancelAt;
-        MV40_SetCallback(recorder.Function, recorder.Data());
-    }
-    ~Recording() { MV40_SetCallback(nullptr, 0); }
-    ProgressRecorder recorder;
 };
 
 TEST(GetImageChannelHistograms, CountsEqualPlain)
