@@ -10,8 +10,8 @@ namespace zlv {
 // Lines that are filtered side by side. Sample i of line l of a group stands at lines[i * step + l].
 inline constexpr size_t kLineGroup = 32;
 
-// Columns that are taken out of the image together. Every row is another page: in narrower blocks the processor walks its
-// page tables more often (bench: 64 columns cost a fifth more).
+// Columns that are taken out of the image together. Every row is another page: in narrower blocks the processor walks
+// its page tables more often (bench: 64 columns cost a fifth more).
 inline constexpr size_t kColumnBlock = 128;
 
 struct GaussianLineKernels {

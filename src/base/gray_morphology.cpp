@@ -19,9 +19,9 @@ namespace {
 
 using Operation = GrayMorphologyKernels::Operation;
 
-// Entries are added and subtracted as numbers with a sign, so that an element can lower what it dilates: the gradient of
-// a picture by such an element wraps, and clients know it. Beyond 255 in either way results are at an end of the range
-// whatever the sample is, and nine bits say as much as the entry itself.
+// Entries are added and subtracted as numbers with a sign, so an element can lower what it dilates: the gradient of a
+// picture by such an element wraps, and clients know it. At 255 and beyond in either way the result is an end of the
+// range whatever the sample is, so nine bits say as much as the entry itself.
 i16 Limited(u32 entry) { return i16(std::clamp(i32(entry), -255, 255)); }
 
 struct Element {

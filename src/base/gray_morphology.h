@@ -9,8 +9,8 @@ namespace zlv {
 // to 255.
 //   src, dst       planes of one byte a pixel, with strides in bytes; they must not overlap. dst's padding is not
 //                  touched
-//   element        elementSize * elementSize entries, row after row, not reflected; all of them take part. An entry with
-//                  its top bit set is a negative number: 0xFFFFFFFA takes 6 off
+//   element        elementSize * elementSize entries, row after row, not reflected; all of them take part. An entry
+//                  with its top bit set is a negative number: 0xFFFFFFFA takes 6 off
 //   elementSize    odd, above 0
 // Pixels outside the image are the nearest inside. An image without rows or columns is nothing to do. An element of
 // equal entries costs the same at any size.

@@ -126,13 +126,13 @@ TEST(Despeckle, AFlatImageStaysInside)
 
 TEST(Despeckle, ASingleColumnByHand)
 {
-    // Rows 0..2, direction down: raise(+): w = [1, 100, 0]; second half p + 1 > w and n > w: row 0: p = 0 (frame), 1 > 1
-    // fails. Row 2: n = 0. -> 1 100 0. raise(-): w: row 2 looks up: 1; row 0: frame 0. w = [1, 100, 1], second: row 0 has
-    // p = 100 (at +1), n = frame 0: no. row 2: p = frame 0: no. -> 1 100 1. lower(-): w: row 0: 1 > 0 + 1 no; row 1:
-    // 100 > 1 + 1: 99; row 2: 1 > 100 no. second: row 1: p = 1, n = 1: 98; row 0: p = 99 no; row 2: p + 1 = 1 < 1 no.
-    // lower(+): row 0: 1 > 99 no; row 1: 98 > 2: 97; row 2: 1 > 0 + 1 no; second: row 1: 96. -> 1 96 1.
-    // Direction right and the diagonals see zeros on both sides of every sample. First halves raise nothing; lower(-)
-    // takes 96 to 95 and 94, leaves 1 (1 > 0 + 1 fails; p + 1 = 1 < 1 fails); lower(+) to 92. Three times: 96 - 12 = 84.
+    // Direction down, rows 0 to 2; the frame gives 0 above and below.
+    //   raise, down    first  1 100 0: row 0 looks at 100     second  as it is: row 0 has p = 0, row 2 has n = 0
+    //   raise, up      first  1 100 1: row 2 looks at 100     second  as it is: row 0 has n = 0, row 2 has p = 0
+    //   lower, up      first  1  99 1: 100 > 1 + 1            second  1 98 1: 1 + 1 < 99 and 1 < 99
+    //   lower, down    first  1  97 1: 98 > 1 + 1             second  1 96 1
+    // Direction right and the diagonals see zeros on both sides of every sample. Nothing rises; each lowering half
+    // takes one level off 96, and leaves 1 alone (1 > 0 + 1 fails). Three times four levels: 84.
     Bytes image = {0, 100, 0};
     EXPECT_EQ(MV40_DespeckleImage(image.data(), 1, 3, 1, 1, 1), 1u);
     EXPECT_EQ(image, (Bytes{1, 84, 1}));
@@ -141,12 +141,12 @@ TEST(Despeckle, ASingleColumnByHand)
 // Next to a neighbour of 255 the comparison is with 0: 255 is lowered although it does not stand out.
 TEST(Despeckle, ANeighbourOf255ComparesAs0)
 {
-    // One column of 255, direction down. Raising moves nothing: no sample is above another, and none can rise.
-    // lower(-): every row compares with the row above + 1: frame: 1, the others: 0: all 254. Second half: p is the row
-    // below + 1 = 255 < 254 no, but for the last row, whose p is the frame: 1 < 254, and n = 254 < 254 no. lower(+): all
-    // rows but the last compare 254 with 255: stay; the last one with 1: 253. Second: p (above) + 1 and n (below): last
-    // row: 255 < 253 no; row 0: p = frame 1 < 254, n = 254 no. -> 254 254 253.
-    // Direction right: zeros on both sides: -4 for every sample, and so for both diagonals: -12.
+    // Direction down: no sample is above another, so nothing rises.
+    //   lower, up      first  254 254 254: row 0 compares with 0 + 1, the others with 255 + 1 = 0
+    //                  second as it is: row 2 has p = 0, but n = 254 < 254 fails
+    //   lower, down    first  254 254 253: rows 0 and 1 compare with 254 + 1, row 2 with 0 + 1
+    //                  second as it is: row 0 has p = 0, but n = 254 < 254 fails; row 2 has p + 1 = 255
+    // Direction right and the diagonals have zeros on both sides: four levels each.
     Bytes image = {255, 255, 255};
     EXPECT_EQ(MV40_DespeckleImage(image.data(), 1, 3, 1, 1, 1), 1u);
     EXPECT_EQ(image, (Bytes{242, 242, 241}));
