@@ -149,6 +149,17 @@ BenchRow DespeckleRow(const std::string& layout, const Shape& shape)
             }};
 }
 
+// With a callback the channels go through one by one.
+BenchRow ReportedDespeckleRow(const Shape& shape)
+{
+    return {"DespeckleImage/rgb8_reported/" + SizeOf(shape), shape, 0, [shape](const Buffers& buffers) {
+                MV40_SetCallback([](u32, u32, u64) -> u32 { return 1; }, 0);
+                MV40_DespeckleImage(buffers.image, shape.width, shape.height, shape.channels,
+                                    shape.width * shape.channels, kAllChannels);
+                MV40_SetCallback(nullptr, 0);
+            }};
+}
+
 BenchRow GrayRow(const std::string& layout, const Shape& shape)
 {
     return {"ImageToGrayScale8Bit/" + layout + "/" + SizeOf(shape), shape, shape.Pixels(),
@@ -185,6 +196,7 @@ std::vector<BenchRow> FilterRows()
         ConvolutionRow("rgb16", rgb16, 5, WholeNumbers(5), "_whole"),
         DespeckleRow("rgb8", tiny),
         DespeckleRow("rgb8", rgb),
+        ReportedDespeckleRow(rgb),
         DespeckleRow("rgba8", rgba),
         DespeckleRow("gray8", gray),
         FlatDilationRow(tinyGray, 7),
