@@ -2,7 +2,6 @@
 
 #include "runtime/math.h"
 
-#include <cmath>
 #include <limits>
 
 namespace zlv {
@@ -93,14 +92,14 @@ RecursiveGaussianCoefficients<Real> MakeRecursiveGaussian(f32 narrowSigma)
 template RecursiveGaussianCoefficients<f32> MakeRecursiveGaussian(f32);
 template RecursiveGaussianCoefficients<f64> MakeRecursiveGaussian(f32);
 
-bool DirectGaussian::IsPossible(f64 sigma) { return std::ceil(kSigmasASide * sigma) <= kLargestRadius; }
+bool DirectGaussian::IsPossible(f64 sigma) { return Ceil(kSigmasASide * sigma) <= kLargestRadius; }
 
 bool DirectGaussian::Make(f64 sigma)
 {
     // Of a sigma so small, all but the middle entry are 0, and the middle is past what a float holds.
     const f64 scale = Sqrt(kShortTwoPi) * sigma;
     const bool isPoint = sigma <= 0.0 || 1 / scale > f64(std::numeric_limits<f32>::max());
-    radius_ = isPoint ? 0 : size_t(std::ceil(kSigmasASide * sigma));
+    radius_ = isPoint ? 0 : size_t(Ceil(kSigmasASide * sigma));
     if (!entries_.Resize(2 * radius_ + 1)) return false;
     f32* const entries = entries_.GetData();
     if (isPoint) {

@@ -1,9 +1,9 @@
 #include "base/opacity.h"
 
 #include "runtime/clamp.h"
+#include "runtime/math.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace zlv {
 
@@ -18,7 +18,7 @@ void ByteShare::Set(f64 share)
 {
     for (i32 i = 0; i < 256; ++i) table[i] = u8(i32(i * share));
 
-    const u32 below = u32(std::floor(share * kMultiplierOne));
+    const u32 below = u32(Floor(share * kMultiplierOne));
     bool isFound = false;
     // The two neighbours of the share first: nearly always one of them has no exception.
     for (const u32 candidate : {below, below + 1, below - 1, below + 2}) {

@@ -55,6 +55,16 @@ f64 Hypot(f64 x, f64 y);
 // run-time in a build without optimisation.)
 inline f64 Sqrt(f64 x) { return __builtin_sqrt(x); }
 
+// The nearest whole number below or above; exact. From 2^52 up every double is whole, and NaN stays what it is. (A zero
+// comes out positive. std::floor is a call of the C run-time on a processor without SSE4.1.)
+constexpr f64 Floor(f64 x)
+{
+    if (!(-0x1p52 < x && x < 0x1p52)) return x;
+    const f64 whole = f64(i64(x));
+    return whole > x ? whole - 1 : whole;
+}
+constexpr f64 Ceil(f64 x) { return -Floor(-x); }
+
 // The same functions over arrays of count numbers, bit for bit what the functions above return.
 // Several numbers go side by side where the processor can; zeros, infinities, NaN and arguments off
 // the fast path cost as much as a call of the function above. The output may be one of the inputs;

@@ -332,5 +332,25 @@ TEST(MathExact, AtanIsAtan2Above1)
     }
 }
 
+TEST(FloorCeil, ByHand)
+{
+    const struct {
+        f64 x, floor, ceil;
+    } rows[] = {{0.0, 0, 0},
+                {0.5, 0, 1},
+                {-0.5, -1, 0},
+                {2.0, 2, 2},
+                {-2.0, -2, -2},
+                {2.999, 2, 3},
+                {-2.001, -3, -2},
+                {0x1p60, 0x1p60, 0x1p60},
+                {0x1.fffffffffffffp51, 0x1.ffffffffffffep51, 0x1p52},
+                {-0x1p300, -0x1p300, -0x1p300}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(Floor(row.x), row.floor) << row.x;
+        EXPECT_EQ(Ceil(row.x), row.ceil) << row.x;
+    }
+}
+
 }  // namespace
 }  // namespace zlvtest
