@@ -12,6 +12,7 @@ FRAMES = {"full", "no-nest-count", "no-call-depth", "callback-span", "error-slot
 SCALARS = {"u8": "uint8_t", "u16": "uint16_t", "u32": "uint32_t", "u64": "uint64_t", "i8": "int8_t",
            "i16": "int16_t", "i32": "int32_t", "i64": "int64_t", "f64": "double", "f32": "float", "char": "char",
            "void": "void", "point": "point"}
+SAMPLE_BITS = {"u8": 8, "u16": 16, "u32": 32, "f32": 32, "f64": 64, "void": 8}
 ROLES = {"image", "width", "height", "channels", "stride", "mask", "flags", "number", "choice", "count", "out", "in",
          "handle", "callback", "callback-data"}
 ERRORS = {"OUT_OF_MEMORY": 1, "BAD_ARGUMENT": 5, "CANCELLED": 14, "COULD_NOT_RUN": 17, "NO_BASE_CONTEXT": 55,
@@ -87,6 +88,8 @@ def read_argument(where, facts):
         argument.c_type
     except KeyError:
         fail(where, f"unknown type {facts['type']}")
+    if argument.role == "image" and argument.type.removeprefix("const ").rstrip("*") not in SAMPLE_BITS:
+        fail(where, f"an image has no samples of type {argument.type}")
     if argument.is_pointer and "null" not in facts:
         fail(where, "a pointer says what null gives")
     for flag in facts.get("flags", []):

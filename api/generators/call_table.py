@@ -18,7 +18,26 @@ def value(argument, index):
     return f"{argument.c_type}(values[{index}].integer)"
 
 
-def argument_row(argument):
+def sample_bits(argument):
+    """How many bits a sample of an image has: those of its type, or 1 for packed masks."""
+    return argument.facts.get("bits", description.SAMPLE_BITS[argument.type.removeprefix("const ").rstrip("*")])
+
+
+def image_shape(export, image):
+    """Where among the arguments an image finds its numbers: those that are `of` it, or of no image in particular."""
+    def place(role):
+        places = {argument.facts.get("of", ""): index for index, argument in enumerate(export.arguments)
+                  if argument.role == role}
+        return places.get(image.name, places.get("", -1))
+
+    counts = image.facts.get("channels", [])
+    fixed = counts[0] if counts and place("channels") < 0 else 0
+    return (f"{{.width = {place('width')}, .height = {place('height')}, .channels = {place('channels')}, "
+            f".stride = {place('stride')}, .fixedChannels = {fixed}, .sampleBits = {sample_bits(image)}, "
+            f".isWritten = {'false' if image.facts['access'] == 'in' else 'true'}}}")
+
+
+def argument_row(export, argument):
     facts = argument.facts
     null = facts.get("null", "allowed")
     zero = facts.get("zero", "")
@@ -40,6 +59,8 @@ def argument_row(argument):
     flags = "".join(f"{{{flag['value']}u, {{{', '.join(str(c) for c in flag.get('channels', []))}}}}}, "
                     for flag in facts.get("flags", []))
     parts.append(f".flags = {{{flags.rstrip(', ')}}}")
+    if argument.role == "image":
+        parts.append(f".image = {image_shape(export, argument)}")
     return "        {" + ", ".join(parts) + "},"
 
 
@@ -53,7 +74,7 @@ def effect_row(export):
         f"     .reports = {'false' if facts['progress'] == 'none' else 'true'},",
         f"     .canCancel = {'true' if facts['cancel'] else 'false'},",
         "     .arguments = {",
-        *(argument_row(argument) for argument in export.arguments),
+        *(argument_row(export, argument) for argument in export.arguments),
         "     },",
         "     .call = [](const Value* values) {",
         f"         return {export.name}({arguments});",

@@ -27,6 +27,7 @@ TEST(BoundarySweep, EveryAcceptedChannelCountWorksInsideItsBuffers)
             EXPECT_EQ(call.Run(), 1u);
             EXPECT_EQ(ZLV40_GetLastError(), 0u);
             EXPECT_TRUE(call.IsPaddingUntouched());
+            EXPECT_TRUE(call.AreSourcesUntouched());
             EXPECT_FALSE(call.IsUntouched()) << "nothing was done";
         }
     });

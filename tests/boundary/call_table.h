@@ -39,6 +39,19 @@ struct FlagBit {
     std::vector<std::uint32_t> channels;  // the only counts with which it is accepted; empty for any
 };
 
+// Where an image finds its numbers: indexes of arguments, -1 for none. Without a stride its rows are dense.
+struct DescribedImage {
+    int width = -1, height = -1, channels = -1, stride = -1;
+    std::uint32_t fixedChannels = 0;  // when no argument tells the count; 0: the count that the effect is called with
+    std::uint32_t sampleBits = 8;
+    bool isWritten = false;
+
+    std::uint64_t RowBytes(std::uint64_t pixels, std::uint64_t channelCount) const
+    {
+        return (pixels * channelCount * sampleBits + 7) / 8;
+    }
+};
+
 struct DescribedArgument {
     const char* name;
     Role role;
@@ -48,6 +61,7 @@ struct DescribedArgument {
     bool hasMinimum = false, hasMaximum = false;
     bool isOutsideAccepted = false;  // limited or ignored instead of refused
     std::vector<FlagBit> flags = {};
+    DescribedImage image = {};
 };
 
 struct DescribedEffect {

@@ -28,7 +28,16 @@ public:
     bool IsUntouched() const
     {
         for (std::size_t i = 0; i < images_.size(); ++i) {
-            if (std::memcmp(images_[i]->Data(), before_[i].data(), before_[i].size()) != 0) return false;
+            if (!IsUntouched(i)) return false;
+        }
+        return true;
+    }
+
+    // Every byte of the images that are only read as it was.
+    bool AreSourcesUntouched() const
+    {
+        for (std::size_t i = 0; i < images_.size(); ++i) {
+            if (!layouts_[i].isWritten && !IsUntouched(i)) return false;
         }
         return true;
     }
@@ -36,10 +45,9 @@ public:
     // The bytes between the rows as they were.
     bool IsPaddingUntouched() const
     {
-        const std::size_t row = std::size_t(kWidth) * channels_;
-        for (const auto& image : images_) {
-            for (std::size_t i = 0; i < image->Size(); ++i) {
-                if (i % (row + kPadding) >= row && image->Data()[i] != kFill) return false;
+        for (std::size_t i = 0; i < images_.size(); ++i) {
+            for (std::size_t k = 0; k < images_[i]->Size(); ++k) {
+                if (k % layouts_[i].stride >= layouts_[i].row && images_[i]->Data()[k] != kFill) return false;
             }
         }
         return true;
@@ -53,22 +61,32 @@ public:
     }
 
 private:
+    struct Layout {
+        std::size_t row, stride;  // in bytes
+        bool isWritten;
+    };
+
     const DescribedEffect& effect_;
     const std::uint32_t channels_;
+    Random random_{7};
     std::vector<std::unique_ptr<GuardedBuffer>> images_;
+    std::vector<Layout> layouts_;
     std::vector<Bytes> before_;
 
-    std::uint32_t Stride() const { return kWidth * channels_ + kPadding; }
+    bool IsUntouched(std::size_t i) const
+    {
+        return std::memcmp(images_[i]->Data(), before_[i].data(), before_[i].size()) == 0;
+    }
 
     void SetDefault(std::size_t i, Flush flush)
     {
         const DescribedArgument& argument = effect_.arguments[i];
         switch (argument.role) {
-        case Role::Image: values[i].pointer = NewImage(flush); break;
+        case Role::Image: values[i].pointer = NewImage(argument.image, flush); break;
         case Role::Width: values[i].integer = kWidth; break;
         case Role::Height: values[i].integer = kHeight; break;
         case Role::Channels: values[i].integer = channels_; break;
-        case Role::Stride: values[i].integer = Stride(); break;
+        case Role::Stride: break;  // set with its image
         default:
             values[i].integer = std::uint64_t(std::int64_t(argument.default_));
             values[i].real = argument.default_;
@@ -77,17 +95,32 @@ private:
     }
 
     // The last row has no padding behind it: there the buffer ends, as a client's may.
-    std::uint8_t* NewImage(Flush flush)
+    std::uint8_t* NewImage(const DescribedImage& image, Flush flush)
     {
-        const std::size_t row = std::size_t(kWidth) * channels_;
-        const std::size_t size = (kHeight - 1) * std::size_t(Stride()) + row;
+        const std::uint32_t count = image.fixedChannels ? image.fixedChannels : channels_;
+        const std::size_t row = std::size_t(image.RowBytes(kWidth, count));
+        const std::size_t padding = kPadding * (image.sampleBits + 7) / 8;  // keeps rows aligned to their samples
+        const Layout layout = {row, image.stride >= 0 ? row + padding : row, image.isWritten};
+        if (image.stride >= 0) values[std::size_t(image.stride)].integer = layout.stride;
+        const std::size_t size = (kHeight - 1) * layout.stride + row;
         images_.push_back(std::make_unique<GuardedBuffer>(size, flush, kFill));
-        const Bytes pixels = RandomBytes(size, channels_ + images_.size());
+        layouts_.push_back(layout);
         std::uint8_t* const data = images_.back()->Data();
-        for (std::size_t k = 0; k < size; ++k) {
-            if (k % (row + kPadding) < row) data[k] = pixels[k];
-        }
+        for (std::size_t y = 0; y < kHeight; ++y) FillRow(data + y * layout.stride, row, image.sampleBits);
         return data;
+    }
+
+    // Any bytes; reals from 0 to 1.
+    void FillRow(std::uint8_t* row, std::size_t bytes, std::uint32_t sampleBits)
+    {
+        if (sampleBits != 64) {
+            for (std::size_t k = 0; k < bytes; ++k) row[k] = random_.Byte();
+            return;
+        }
+        for (std::size_t k = 0; k < bytes; k += sizeof(double)) {
+            const double sample = random_.Byte() / 255.0;
+            std::memcpy(row + k, &sample, sizeof sample);
+        }
     }
 
 public:
