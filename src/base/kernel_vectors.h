@@ -4,18 +4,10 @@
 // For kernel files alone. Everything here has internal linkage: what is compiled for one target must not reach another.
 #pragma once
 
-#include "platform/types.h"
+#include "runtime/vector_bytes.h"
 
 namespace zlv {
 namespace {
-
-#if defined(ZLV_TARGET_avx512)
-constexpr size_t kVectorBytes = 64;
-#elif defined(ZLV_TARGET_avx2)
-constexpr size_t kVectorBytes = 32;
-#else
-constexpr size_t kVectorBytes = 16;
-#endif
 
 // Vectors of as many numbers as a vector of Real has.
 template <class Real>

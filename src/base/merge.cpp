@@ -53,21 +53,9 @@ private:
     const u32 baseChannels_;
 };
 
-struct MergeScene {
-    ImageView<u8> base;
-    ImageView<const u8> overlay;  // of pixels, or of a mask
-    OverlayClip clip;
-
-    u8* BaseRow(u32 row) const { return base.Row(clip.top + row) + size_t(clip.left) * base.channels; }
-    const u8* OverlayRow(u32 row) const
-    {
-        return overlay.Row(clip.fromTop + row) + size_t(clip.fromLeft) * overlay.channels;
-    }
-};
-
 // Calls merge(base, overlay, pixels) over every row, in chunks.
 template <class Merge>
-u32 MergeRows(BaseWork& work, const MergeScene& scene, Merge merge)
+u32 MergeRows(BaseWork& work, const OverlayScene<u8>& scene, Merge merge)
 {
     const size_t columns = scene.clip.columns;
     const size_t baseStep = scene.base.channels, overlayStep = scene.overlay.channels;
@@ -102,7 +90,7 @@ bool MakeAlphaTable(f64 opacity, u8 (&table)[256])
     return true;
 }
 
-u32 MergeAtOpacity(BaseWork& work, const MergeScene& scene, const Merger& merger, f64 opacity)
+u32 MergeAtOpacity(BaseWork& work, const OverlayScene<u8>& scene, const Merger& merger, f64 opacity)
 {
     u8 alphas[256];
     if (!MakeAlphaTable(opacity, alphas)) return work.Fail(Error::BadArgument);
@@ -119,7 +107,7 @@ u32 Merge(MVThreadContext& context, Error& error, const ImageView<u8>& base, con
 {
     BaseWork work(context, error);
     if (!base.data || !overlay.data || base.data == overlay.data) return work.Fail(Error::BadArgument);
-    const MergeScene scene = {base, overlay, ClipOverlay(base, overlay, x, y)};
+    const OverlayScene<u8> scene(base, overlay, x, y);
     if (scene.clip.IsEmpty()) return 1;
     if (mode == MergeMode::Over && base.channels != 4) return work.Fail(Error::BadArgument);
 
@@ -152,7 +140,7 @@ u32 PaintColor(MVThreadContext& context, Error& error, const ImageView<u8>& base
 {
     BaseWork work(context, error);
     if (!base.data || !mask.data) return work.Fail(Error::BadArgument);
-    const MergeScene scene = {base, mask, ClipOverlay(base, mask, x, y)};
+    const OverlayScene<u8> scene(base, mask, x, y);
     if (scene.clip.IsEmpty()) return 1;
     if (base.channels != 3 && base.channels != 4) return ReportRows(work, scene.clip.rows);
 

@@ -169,26 +169,8 @@ private:
     Way way_;
 };
 
-// The images of a call and what is to be seen.
 template <class T>
-struct Scene {
-    ImageView<T> base;
-    ImageView<const T> overlay;
-    OverlayClip clip;
-
-    T* BaseRow(u32 row) const { return base.Row(clip.top + row) + size_t(clip.left) * base.channels; }
-    const T* OverlayRow(u32 row) const
-    {
-        return overlay.Row(clip.fromTop + row) + size_t(clip.fromLeft) * base.channels;
-    }
-    const T* FlippedOverlayRow(u32 row) const { return overlay.Row(overlay.height - 1 - clip.fromTop - row); }
-    size_t SamplesPerRow() const { return clip.columns * base.channels; }
-    // Whether the visible rows follow each other without a gap in both images.
-    bool IsContiguous() const { return SamplesPerRow() == base.stride && SamplesPerRow() == overlay.stride; }
-};
-
-template <class T>
-u32 CopyRows(BaseWork& work, const Scene<T>& scene, bool isFlipped)
+u32 CopyRows(BaseWork& work, const OverlayScene<T>& scene, bool isFlipped)
 {
     for (u32 row = 0; row < scene.clip.rows; ++row) {
         const T* const from = isFlipped ? scene.FlippedOverlayRow(row) : scene.OverlayRow(row);
@@ -199,7 +181,7 @@ u32 CopyRows(BaseWork& work, const Scene<T>& scene, bool isFlipped)
 }
 
 template <class T>
-u32 BlendRows(BaseWork& work, const Scene<T>& scene, const Blend& blend)
+u32 BlendRows(BaseWork& work, const OverlayScene<T>& scene, const Blend& blend)
 {
     const Blender<T> blender(blend);
     if (!work.MayReport() && scene.IsContiguous()) {
@@ -219,7 +201,7 @@ u32 OverlayImage(MVThreadContext& context, Error& error, const ImageView<T>& bas
 {
     BaseWork work(context, error);
     if (!base.data || !overlay.data || base.data == overlay.data) return work.Fail(Error::BadArgument);
-    const Scene<T> scene = {base, overlay, ClipOverlay(base, overlay, x, y)};
+    const OverlayScene<T> scene(base, overlay, x, y);
     if (scene.clip.IsEmpty()) return 1;
     if (u32(blend.mode) >= kOverlayModes || !blend.HasNumbers()) return work.Fail(Error::BadArgument);
 

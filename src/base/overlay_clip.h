@@ -28,6 +28,30 @@ OverlayClip ClipOverlay(const ImageView<Base>& base, const ImageView<Overlay>& o
     return {u32(left), u32(top), u32(left - x), u32(top - y), size_t(right - left), u32(bottom - top)};
 }
 
+// The two images of a call and what of them is to be seen, row by row.
+template <class T>
+struct OverlayScene {
+    OverlayScene(const ImageView<T>& theBase, const ImageView<const T>& theOverlay, i32 x, i32 y)
+        : base(theBase), overlay(theOverlay), clip(ClipOverlay(theBase, theOverlay, x, y))
+    {
+    }
+
+    const ImageView<T> base;
+    const ImageView<const T> overlay;
+    const OverlayClip clip;
+
+    T* BaseRow(u32 row) const { return base.Row(clip.top + row) + size_t(clip.left) * base.channels; }
+    const T* OverlayRow(u32 row) const
+    {
+        return overlay.Row(clip.fromTop + row) + size_t(clip.fromLeft) * overlay.channels;
+    }
+    // The overlay turned over; each row from its first pixel.
+    const T* FlippedOverlayRow(u32 row) const { return overlay.Row(overlay.height - 1 - clip.fromTop - row); }
+    size_t SamplesPerRow() const { return clip.columns * base.channels; }
+    // Whether the visible rows follow each other without a gap in both images.
+    bool IsContiguous() const { return SamplesPerRow() == base.stride && SamplesPerRow() == overlay.stride; }
+};
+
 // How many of `count` elements a row may take at once: all of them, or one when the two stretches of memory overlap.
 // Then each element sees what the ones before it have written, whatever the instruction set.
 inline size_t StretchOf(const void* written, size_t writtenBytes, const void* read, size_t readBytes, size_t count)

@@ -66,20 +66,8 @@ struct KeyColor {
     }
 };
 
-struct KeyedScene {
-    ImageView<u8> base;
-    ImageView<const u8> overlay;
-    OverlayClip clip;
-
-    u8* BaseRow(u32 row) const { return base.Row(clip.top + row) + size_t(clip.left) * base.channels; }
-    const u8* OverlayRow(u32 row) const
-    {
-        return overlay.Row(clip.fromTop + row) + size_t(clip.fromLeft) * overlay.channels;
-    }
-};
-
 template <class Shares>
-u32 DrawKeyed(BaseWork& work, const KeyedScene& scene, const KeyColor& key, const Shares& shares)
+u32 DrawKeyed(BaseWork& work, const OverlayScene<u8>& scene, const KeyColor& key, const Shares& shares)
 {
     for (u32 row = 0; row < scene.clip.rows; ++row) {
         u8* base = scene.BaseRow(row);
@@ -100,7 +88,7 @@ constexpr u32 kNoIndex = 256;
 
 // The palette's shares are looked up once an entry, not once a pixel.
 template <class Shares>
-u32 DrawIndexed(BaseWork& work, const KeyedScene& scene, const u8* palette, bool isSwapped, u32 transparentIndex,
+u32 DrawIndexed(BaseWork& work, const OverlayScene<u8>& scene, const u8* palette, bool isSwapped, u32 transparentIndex,
                 const Shares& shares)
 {
     typename Shares::Share over[256][3];
@@ -122,7 +110,7 @@ u32 DrawIndexed(BaseWork& work, const KeyedScene& scene, const u8* palette, bool
 // The common course: refuse, clip, and draw with the shares that the flags ask for. `hasSources` tells that nothing
 // that would be read is null.
 template <class Draw>
-u32 OverlayWithShares(BaseWork& work, const KeyedScene& scene, bool hasSources, f64 opacity, bool isTruncated,
+u32 OverlayWithShares(BaseWork& work, const OverlayScene<u8>& scene, bool hasSources, f64 opacity, bool isTruncated,
                       Draw draw)
 {
     if (scene.clip.IsEmpty()) return 1;
@@ -142,7 +130,7 @@ u32 MV40_OverlayRGBTrans(u8* base, u32 baseWidth, u32 baseHeight, u32 baseStride
         const ImageView<u8> to = {base, baseWidth, baseHeight, flags & kKeyedFourByteBase ? 4u : 3u, baseStride};
         const ImageView<const u8> from = {overlay, overlayWidth, overlayHeight, flags & kKeyedFourByteOverlay ? 4u : 3u,
                                           overlayStride};
-        const KeyedScene scene = {to, from, ClipOverlay(to, from, x, y)};
+        const OverlayScene<u8> scene(to, from, x, y);
         const KeyColor key(transparentColor, tolerance, (flags & kKeyedSwapColor) != 0);
         return OverlayWithShares(work, scene, overlay, LimitOpacity(opacity), (flags & kKeyedByteShares) != 0,
                                  [&](const auto& shares) { return DrawKeyed(work, scene, key, shares); });
@@ -158,7 +146,7 @@ u32 MV40_Overlay8BitToRGB(u8* base, u32 baseWidth, u32 baseHeight, u32 baseStrid
         if (!base || !overlay || base == overlay) return work.Fail(Error::BadArgument);
         const ImageView<u8> to = {base, baseWidth, baseHeight, 3, baseStride};
         const ImageView<const u8> from = {overlay, overlayWidth, overlayHeight, 1, overlayStride};
-        const KeyedScene scene = {to, from, ClipOverlay(to, from, x, y)};
+        const OverlayScene<u8> scene(to, from, x, y);
         const u32 hidden = flags & kIndexedTransparent ? transparentIndex : kNoIndex;
         const bool isSwapped = !(flags & kIndexedSameOrder);
         return OverlayWithShares(

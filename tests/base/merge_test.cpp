@@ -238,12 +238,12 @@ TEST(AlphaBlendColor, OtherNumbersOfChannelsPaintNothing)
         for (const u32 flags : {0u, kColorReplace}) {
             Bytes base(40, 7);
             const Bytes mask(40, 200);
-            const RecordedReports recorded;
+            const zlvtest::Recording recording;
             EXPECT_EQ(
                 MV40_AlphaBlendColor(base.data(), 2, 3, channels, 10, mask.data(), 2, 3, 2, 0x01020304, 0, 0, flags),
                 1u);
             EXPECT_EQ(base, Bytes(40, 7));
-            EXPECT_EQ(recorded.Reports(), Rows(3, 3));
+            EXPECT_EQ(recording.recorder.reports, Rows(3, 3));
         }
     }
 }
@@ -266,12 +266,7 @@ TEST(AlphaBlendColor, AMaskInTheBaseItselfIsReadPixelAfterPixel)
 }
 
 // Each call answers 1, or 0 with its code, and writes nothing.
-const struct {
-    const char* shows;
-    u32 (*run)(u8* p);
-    u32 result;
-    Error error;
-} kCalls[] = {
+const EdgeCall kCalls[] = {
     {"merge onto null", [](u8* p) { return MV40_MergeRGBA(nullptr, 1, 1, 4, 4, p, 1, 1, 4, 0, 0, 1, 0); }, 0,
      Error::BadArgument},
     {"merge from null", [](u8* p) { return MV40_MergeRGBA(p, 1, 1, 4, 4, nullptr, 1, 1, 4, 5, 0, 1, 0); }, 0,
@@ -298,16 +293,7 @@ const struct {
 
 TEST(Merges, EdgesTouchNothingAndReportNothing)
 {
-    for (const auto& row : kCalls) {
-        SCOPE(row.shows);
-        Bytes image = zlvtest::RandomBytes(64, 3);
-        const Bytes before = image;
-        const RecordedReports recorded;
-        EXPECT_EQ(row.run(image.data()), row.result);
-        EXPECT_EQ(MV40_GetLastError(), u32(row.error));
-        EXPECT_EQ(image, before);
-        EXPECT_TRUE(recorded.Reports().empty());
-    }
+    for (const EdgeCall& call : kCalls) ExpectUntouched(call, 64);
 }
 
 TEST(Merges, ACancelKeepsTheRowsDone)
@@ -326,12 +312,12 @@ TEST(Merges, ACancelKeepsTheRowsDone)
                 PlainVisible(base.PlainOver(wanted), mask.Plain(), -1, 2, rowsDone,
                              [&](u8* to, const u8* from) { PlainPaintPixel(to, *from, color, 5, 4); });
             }
-            const RecordedReports recorded(cancelAt);
+            const zlvtest::Recording recording(cancelAt);
             EXPECT_EQ(
                 isMerge ? CallMerge(base, overlay, -1, 2, 1, 3) : CallPaint(base, mask, -1, 2, 0x01020304, kColorOver),
                 cancelAt ? 0u : 1u);
             EXPECT_EQ(MV40_GetLastError(), u32(cancelAt ? Error::Cancelled : Error::None));
-            EXPECT_EQ(recorded.Reports(), Rows(rowsDone, 4));
+            EXPECT_EQ(recording.recorder.reports, Rows(rowsDone, 4));
             EXPECT_EQ(zlvtest::Difference(wanted.data(), base.Data(), base.Size()), "");
             EXPECT_EQ(baseContexts.Get()->nestCount, 0u);
         }

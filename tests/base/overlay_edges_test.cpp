@@ -53,13 +53,13 @@ TEST(OverlayImage, EdgesTouchNothingAndReportNothing)
             const auto pointer = [&](char name) {
                 return name == '0' ? nullptr : name == 'b' ? base.data() : overlay.data();
             };
-            const RecordedReports recorded;
+            const zlvtest::Recording recording;
             EXPECT_EQ(MV40_OverlayImage(pointer(row.base), 4, 4, 1, 8, pointer(row.overlay), row.overlayWidth, 2, 8, 1,
                                         1, row.opacity, row.parameter, row.mode, flags),
                       row.result);
             EXPECT_EQ(MV40_GetLastError(), u32(row.error));
             EXPECT_EQ(base, before);
-            EXPECT_TRUE(recorded.Reports().empty());
+            EXPECT_TRUE(recording.recorder.reports.empty());
             EXPECT_EQ(baseContexts.Get()->nestCount, 0u);
         }
     }
@@ -79,9 +79,9 @@ TEST(OverlayImage, ReportsVisibleRows)
          {PlainBlend{1, 0, 0}, {0.5, 0, 0}, {0.5, 0, 1}, {1, 0, 12}, {0.5, 0, 12}, {0, 0, 12}}) {
         SCOPE(blend.opacity, blend.mode);
         GuardedLayer<u8> base(9, 7, 3, 0, 1), overlay(9, 20, 3, 0, 2);
-        const RecordedReports recorded;
+        const zlvtest::Recording recording;
         EXPECT_EQ(CallOverlay(base, overlay, 2, -15, blend), 1u);  // rows 15 to 19 of the overlay
-        EXPECT_EQ(recorded.Reports(), Rows(5, 5));
+        EXPECT_EQ(recording.recorder.reports, Rows(5, 5));
     }
 }
 
@@ -93,10 +93,10 @@ TEST(OverlayImage, ACancelKeepsTheRowsDone)
             GuardedLayer<u8> base(9, 6, 3, 2, 1), overlay(9, 5, 3, 0, 2);
             std::vector<u8> wanted = base.Copy();
             PlainOverlay<u8>(base.PlainOver(wanted), overlay.Plain(), -1, 2, blend, cancelAt);
-            const RecordedReports recorded(cancelAt);
+            const zlvtest::Recording recording(cancelAt);
             EXPECT_EQ(CallOverlay(base, overlay, -1, 2, blend), 0u);
             EXPECT_EQ(MV40_GetLastError(), u32(Error::Cancelled));
-            EXPECT_EQ(recorded.Reports(), Rows(cancelAt, 4));
+            EXPECT_EQ(recording.recorder.reports, Rows(cancelAt, 4));
             EXPECT_EQ(zlvtest::Difference(wanted.data(), base.Data(), base.Size()), "");
             EXPECT_EQ(baseContexts.Get()->nestCount, 0u);
         }
@@ -106,11 +106,11 @@ TEST(OverlayImage, ACancelKeepsTheRowsDone)
 TEST(OverlayImage, InsideAnotherWorkerItNeverReports)
 {
     GuardedLayer<u8> base(9, 6, 3, 0, 1), overlay(9, 5, 3, 0, 2);
-    const RecordedReports recorded(1);
+    const zlvtest::Recording recording(1);
     baseContexts.Get()->nestCount = 1;
     EXPECT_EQ(CallOverlay(base, overlay, 0, 0, {0.5, 0, 0}), 1u);
     baseContexts.Get()->nestCount = 0;
-    EXPECT_TRUE(recorded.Reports().empty());
+    EXPECT_TRUE(recording.recorder.reports.empty());
 }
 
 TEST(OverlayImage, NeedsNoMemory)

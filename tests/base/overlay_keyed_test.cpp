@@ -150,12 +150,7 @@ TEST(KeyedOverlays, TruncatedSharesLoseAUnitThatTheirSumKeeps)
 }
 
 // Each call answers 1, or 0 with its code, and writes nothing.
-const struct {
-    const char* shows;
-    u32 (*run)(u8* image);
-    u32 result;
-    Error error;
-} kCalls[] = {
+const EdgeCall kCalls[] = {
     {"keyed onto null", [](u8* p) { return MV40_OverlayRGBTrans(nullptr, 1, 1, 3, p, 1, 1, 3, 0, 0, 1, 0, 0, 0); }, 0,
      Error::BadArgument},
     {"keyed onto itself", [](u8* p) { return MV40_OverlayRGBTrans(p, 1, 1, 3, p, 1, 1, 3, 0, 0, 1, 0, 0, 0); }, 0,
@@ -183,16 +178,7 @@ const struct {
 
 TEST(KeyedOverlays, EdgesTouchNothingAndReportNothing)
 {
-    for (const auto& row : kCalls) {
-        SCOPE(row.shows);
-        Bytes image = zlvtest::RandomBytes(1024, 3);
-        const Bytes before = image;
-        const RecordedReports recorded;
-        EXPECT_EQ(row.run(image.data()), row.result);
-        EXPECT_EQ(MV40_GetLastError(), u32(row.error));
-        EXPECT_EQ(image, before);
-        EXPECT_TRUE(recorded.Reports().empty());
-    }
+    for (const EdgeCall& call : kCalls) ExpectUntouched(call, 1024);
 }
 
 TEST(KeyedOverlays, ACancelKeepsTheRowsDone)
@@ -202,7 +188,7 @@ TEST(KeyedOverlays, ACancelKeepsTheRowsDone)
         for (const bool isKeyed : {true, false}) {
             SCOPE(cancelAt, isKeyed);
             Bytes base(60, 1);
-            const RecordedReports recorded(cancelAt);
+            const zlvtest::Recording recording(cancelAt);
             const u32 result =
                 isKeyed ? MV40_OverlayRGBTrans(base.data(), 4, 5, 12, overlay.data(), 4, 5, 12, 0, 1, 1, 0, 0, 0)
                         : MV40_Overlay8BitToRGB(base.data(), 4, 5, 12, overlay.data(), 4, 5, 12, palette.data(), 0, 1,
@@ -210,7 +196,7 @@ TEST(KeyedOverlays, ACancelKeepsTheRowsDone)
             const u32 rowsDone = cancelAt ? cancelAt : 4;
             EXPECT_EQ(result, cancelAt ? 0u : 1u);
             EXPECT_EQ(MV40_GetLastError(), u32(cancelAt ? Error::Cancelled : Error::None));
-            EXPECT_EQ(recorded.Reports(), Rows(rowsDone, 4));
+            EXPECT_EQ(recording.recorder.reports, Rows(rowsDone, 4));
             Bytes wanted(60, 1);
             std::fill_n(wanted.begin() + 12, rowsDone * 12, isKeyed ? 5 : 77);
             EXPECT_EQ(base, wanted);

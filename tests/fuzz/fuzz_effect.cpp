@@ -121,9 +121,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
     const std::uint32_t result = effect.call(values.data());
     const std::uint32_t error = ZLV40_GetLastError();
     ZLV40_SetCallback(nullptr, 0);
-    if (result > 1 || (result == 1 && error != 0) || (result == 0 && error == 0)) {
-        std::fprintf(stderr, "%s returned %u with error %u\n", effect.name, result, error);
-        std::abort();
-    }
+    zlvtest::RequireResult(effect.name, result, error);
     return 0;
 }

@@ -6,7 +6,6 @@
 #include "base/sample.h"
 #include "fuzz/input.h"
 
-#include <cstdio>
 #include <vector>
 
 namespace {
@@ -15,6 +14,7 @@ using namespace zlv;
 using zlvtest::Input;
 
 enum Function : u8 { kBlur, kConvolve, kDespeckle, kDilate, kErode, kFunctions };
+constexpr const char* kNames[] = {"blur", "convolution", "despeckle", "dilation", "erosion"};
 
 struct Picture {
     u32 width, height, channels, stride, bytesPerSample;
@@ -101,11 +101,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
     const std::vector<u8> before(destination.get(), destination.get() + filter.destination.Bytes());
 
     const u32 result = Run(filter, source.get(), destination.get(), kernel);
-    const u32 error = MV40_GetLastError();
-    if ((result == 1) != (error == 0)) {
-        std::fprintf(stderr, "function %d returned %u with error %u\n", filter.function, result, error);
-        std::abort();
-    }
+    zlvtest::RequireResult(kNames[filter.function], result, MV40_GetLastError());
     for (size_t i = 0; i < before.size(); ++i) {
         if ((result == 0 || IsPadding(filter.destination, i)) && destination[i] != before[i]) std::abort();
     }

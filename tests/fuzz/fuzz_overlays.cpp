@@ -5,8 +5,6 @@
 #include "base/overlay.h"
 #include "fuzz/input.h"
 
-#include <cstdio>
-
 namespace {
 
 using namespace zlv;
@@ -45,6 +43,7 @@ i32 ReadPosition(Input& input)
 f64 ReadReal(Input& input) { return input.Byte() & 1 ? input.Real() : input.Byte() / 200.0; }
 
 enum Function : u8 { kOverlay, kKeyed, kIndexed, kMerge, kPaint, kFunctions };
+constexpr const char* kNames[] = {"overlay", "keyed overlay", "indexed overlay", "merge", "paint"};
 
 struct Draw {
     Function function;
@@ -128,11 +127,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
     std::memcpy(again.get(), base.get(), draw.base.Bytes());
 
     const u32 result = Run(draw, base.get(), overlay.get(), palette.get());
-    const u32 error = MV40_GetLastError();
-    if ((result == 1) != (error == 0)) {
-        std::fprintf(stderr, "function %d returned %u with error %u\n", draw.function, result, error);
-        std::abort();
-    }
+    zlvtest::RequireResult(kNames[draw.function], result, MV40_GetLastError());
     if (Run(draw, again.get(), overlay.get(), palette.get()) != result) std::abort();
     for (size_t i = 0; i < draw.base.Bytes(); ++i) {
         if (base[i] != again[i]) std::abort();

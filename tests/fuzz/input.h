@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -57,6 +58,14 @@ inline std::unique_ptr<std::uint8_t[]> FuzzBuffer(std::size_t size, Input& input
     std::memset(buffer.get(), fill, size);
     for (std::size_t k = 0; k < size && input.Rest() > 1; ++k) buffer[k] = input.Byte();
     return buffer;
+}
+
+// A call answers 1 without a code, or 0 with one.
+inline void RequireResult(const char* function, std::uint32_t result, std::uint32_t error)
+{
+    if (result <= 1 && (result == 1) == (error == 0)) return;
+    std::fprintf(stderr, "%s returned %u with error %u\n", function, result, error);
+    std::abort();
 }
 
 }  // namespace zlvtest

@@ -10,6 +10,7 @@
 #include "runtime/math/log_core.h"
 #include "runtime/math/pow_core.h"
 #include "runtime/math/sine_core.h"
+#include "runtime/vector_bytes.h"
 
 #ifndef ZLV_PORTABLE
 #include <immintrin.h>
@@ -23,14 +24,6 @@ namespace {
 using Vector = f64;
 
 #else
-
-#if defined(ZLV_TARGET_avx512)
-constexpr size_t kVectorBytes = 64;
-#elif defined(ZLV_TARGET_avx2)
-constexpr size_t kVectorBytes = 32;
-#else
-constexpr size_t kVectorBytes = 16;
-#endif
 
 using Vector __attribute__((vector_size(kVectorBytes))) = f64;
 using VectorBits __attribute__((vector_size(kVectorBytes))) = u64;
