@@ -155,7 +155,10 @@ int Main(int argc, char** argv)
 
     u32 count = 0;
     std::set<size_t> copies;
-    for (const auto rowsOfFamily : {ToneRows, BaseRows, FilterRows, GaussianRows, OverlayRows}) {
+    const auto families = {
+        BaseRows, FilterRows, GaussianRows, OverlayRows, PaletteRows, ToneRows,
+    };
+    for (const auto rowsOfFamily : families) {
         for (const BenchRow& row : rowsOfFamily()) {
             if (row.name.find(options.rows) == std::string::npos) continue;
             CompareOutputs(row, targets);

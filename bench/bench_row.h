@@ -53,6 +53,7 @@ std::vector<BenchRow> BaseRows();
 std::vector<BenchRow> FilterRows();
 std::vector<BenchRow> GaussianRows();
 std::vector<BenchRow> OverlayRows();
+std::vector<BenchRow> PaletteRows();
 std::vector<BenchRow> ToneRows();
 
 // The same bytes on every run and machine.

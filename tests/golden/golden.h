@@ -69,5 +69,6 @@ std::vector<GoldenRow> ConvolutionGolden();
 std::vector<GoldenRow> GaussianGolden();
 std::vector<GoldenRow> HistogramGolden();
 std::vector<GoldenRow> OverlayGolden();
+std::vector<GoldenRow> PaletteGolden();
 
 }  // namespace zlvtest

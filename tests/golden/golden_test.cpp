@@ -22,6 +22,7 @@ std::vector<GoldenRow> AllRows()
     add(GaussianGolden());
     add(HistogramGolden());
     add(OverlayGolden());
+    add(PaletteGolden());
 #endif
     return rows;
 }
