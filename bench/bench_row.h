@@ -54,6 +54,7 @@ std::vector<BenchRow> FilterRows();
 std::vector<BenchRow> GaussianRows();
 std::vector<BenchRow> OverlayRows();
 std::vector<BenchRow> PaletteRows();
+std::vector<BenchRow> PolygonRows();
 std::vector<BenchRow> ToneRows();
 
 // The same bytes on every run and machine.

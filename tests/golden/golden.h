@@ -70,5 +70,6 @@ std::vector<GoldenRow> GaussianGolden();
 std::vector<GoldenRow> HistogramGolden();
 std::vector<GoldenRow> OverlayGolden();
 std::vector<GoldenRow> PaletteGolden();
+std::vector<GoldenRow> PolygonGolden();
 
 }  // namespace zlvtest

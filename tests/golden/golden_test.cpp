@@ -23,6 +23,7 @@ std::vector<GoldenRow> AllRows()
     add(HistogramGolden());
     add(OverlayGolden());
     add(PaletteGolden());
+    add(PolygonGolden());
 #endif
     return rows;
 }
