@@ -56,6 +56,7 @@ std::vector<BenchRow> OverlayRows();
 std::vector<BenchRow> PaletteRows();
 std::vector<BenchRow> PolygonRows();
 std::vector<BenchRow> ToneRows();
+std::vector<BenchRow> WindowRows();
 
 // The same bytes on every run and machine.
 class RandomBytes {

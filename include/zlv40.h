@@ -139,6 +139,102 @@ ZLV40_API void ZLV40_Exit(void);
 ZLV40_API uint32_t ZLV40_InvertImage(uint8_t* buffer, uint32_t width, uint32_t height, int32_t bytesPerPixel,
                                      uint32_t rowStride, uint32_t flags);
 
+/* ---- Filters ------------------------------------------------------------------------------------------------ */
+
+/* Window statistics. Each of the nine functions computes one number of a square window around each pixel, channel by
+ * channel, and writes it to a second image. Beyond its edges the image repeats its border pixels without limit, so a
+ * window may be larger than the image. They share these arguments:
+ *   src            height rows of width pixels, 8 bits a sample, interleaved; not NULL, only read
+ *   width          pixels a row, 1 or more
+ *   height         rows, 1 or more
+ *   dst            the result, with as many rows and pixels; not NULL, not src, and without a pixel of its memory
+ *   bytesPerPixel  channels, 1 to 8
+ *   srcRowStride   bytes from one row of src to the next, >= width * bytesPerPixel
+ *   dstRowStride   bytes from one row of dst to the next, >= width * bytesPerPixel; padding is not touched
+ *   filterSize     edge of the window in pixels, odd: sizes below 1 count as 1, and an even size grows by 1. The area
+ *                  and the sums of a window are 32-bit numbers: the minimum, the maximum and the midpoint take any
+ *                  size, the mean and the blur up to 4103, the sharpening up to 2901, the other means up to 46339;
+ *                  larger ones are refused
+ *   channelMask    bit c selects channel c; a channel that is not selected is not written, and bits beyond the
+ *                  channels are ignored
+ * They return 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written), ZLV40_ERROR_OUT_OF_MEMORY (nothing is
+ * written) or ZLV40_ERROR_CANCELLED. All but the harmonic and the power mean report progress as (channel,
+ * bytesPerPixel) after each selected channel, those two as (row, height) after each row; all can be cancelled, and
+ * channels or rows done so far stay. They work on the calling thread. */
+
+/* Writes the middle between the smallest and the largest sample of the window: their sum / 2, truncated. The time it
+ * takes does not depend on filterSize. For the rest see "Window statistics". */
+#define ZLV40_MidpointFilter _ZLV40_MidpointFilter
+ZLV40_API uint32_t ZLV40_MidpointFilter(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst,
+                                        uint32_t bytesPerPixel, uint32_t srcRowStride, uint32_t dstRowStride,
+                                        int32_t filterSize, uint32_t channelMask);
+
+/* Writes the smallest sample of the window. The time it takes does not depend on filterSize.
+ * Source: M. van Herk, Pattern Recognition Letters 13 (1992). For the rest see "Window statistics". */
+#define ZLV40_MinimumFilter _ZLV40_MinimumFilter
+ZLV40_API uint32_t ZLV40_MinimumFilter(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst,
+                                       uint32_t bytesPerPixel, uint32_t srcRowStride, uint32_t dstRowStride,
+                                       int32_t filterSize, uint32_t channelMask);
+
+/* Writes the largest sample of the window. The time it takes does not depend on filterSize.
+ * Source: M. van Herk, Pattern Recognition Letters 13 (1992). For the rest see "Window statistics". */
+#define ZLV40_MaximumFilter _ZLV40_MaximumFilter
+ZLV40_API uint32_t ZLV40_MaximumFilter(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst,
+                                       uint32_t bytesPerPixel, uint32_t srcRowStride, uint32_t dstRowStride,
+                                       int32_t filterSize, uint32_t channelMask);
+
+/* Writes the arithmetic mean of the window, truncated. The time it takes does not depend on filterSize. For the rest
+ * see "Window statistics". */
+#define ZLV40_ArithmeticMeanFilter _ZLV40_ArithmeticMeanFilter
+ZLV40_API uint32_t ZLV40_ArithmeticMeanFilter(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst,
+                                              uint32_t bytesPerPixel, uint32_t srcRowStride, uint32_t dstRowStride,
+                                              int32_t filterSize, uint32_t channelMask);
+
+/* Writes the geometric mean of the window: the product of each sample's root, in double precision, truncated without
+ * rounding, so that a flat area may lose a level. 0 if any sample of the window is 0. For the rest see "Window
+ * statistics". */
+#define ZLV40_GeometricMeanFilter _ZLV40_GeometricMeanFilter
+ZLV40_API uint32_t ZLV40_GeometricMeanFilter(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst,
+                                             uint32_t bytesPerPixel, uint32_t srcRowStride, uint32_t dstRowStride,
+                                             int32_t filterSize, uint32_t channelMask);
+
+/* Writes the harmonic mean of the window: their number / the sum of 1 / sample, in double precision, rounded. 0 if any
+ * sample of the window is 0. Reports after each row. For the rest see "Window statistics". */
+#define ZLV40_HarmonicMeanFilter _ZLV40_HarmonicMeanFilter
+ZLV40_API uint32_t ZLV40_HarmonicMeanFilter(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst,
+                                            uint32_t bytesPerPixel, uint32_t srcRowStride, uint32_t dstRowStride,
+                                            int32_t filterSize, uint32_t channelMask);
+
+/* Writes the power mean of the window, (the mean of sample to the power order) to the power 1 / order, in double
+ * precision, truncated without rounding, so that a flat area may lose a level.
+ *   order  any number: 1 is the arithmetic mean, larger ones move towards the maximum, -1 is the harmonic mean, lower
+ *          ones move towards the minimum; 0 makes every selected sample 1
+ * With a negative order, 0 if any sample of the window is 0. Powers that overflow give 255, a sum of powers that
+ * underflows to 0 gives 0. Reports after each row. For the rest see "Window statistics". */
+#define ZLV40_YpMeanFilter _ZLV40_YpMeanFilter
+ZLV40_API uint32_t ZLV40_YpMeanFilter(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst,
+                                      uint32_t bytesPerPixel, uint32_t srcRowStride, uint32_t dstRowStride,
+                                      int32_t filterSize, int32_t order, uint32_t channelMask);
+
+/* Sharpens: writes c - amount * T, where c is the pixel's own sample and T the window's sum less c times the number of
+ * its samples; truncated towards zero, limited to 0..255.
+ *   amount  a finite number, not limited: 0 copies, a negative one blurs
+ * An amount that is no finite number is refused. The time it takes does not depend on filterSize. For the rest see
+ * "Window statistics". */
+#define ZLV40_SharpenImage _ZLV40_SharpenImage
+ZLV40_API uint32_t ZLV40_SharpenImage(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst,
+                                      uint32_t bytesPerPixel, uint32_t srcRowStride, uint32_t dstRowStride,
+                                      int32_t filterSize, double amount, uint32_t channelMask);
+
+/* Blurs: writes amount * the window's mean + (1 - amount) * the pixel's own sample, the mean and each term truncated.
+ * So results can be a level darker than the exact blend: with an amount of 0.5 a flat 255 becomes 254.
+ *   amount  0.0 copies to 1.0 gives the mean; limited to that range, refused when it is no number
+ * The time it takes does not depend on filterSize. For the rest see "Window statistics". */
+#define ZLV40_BlurImage _ZLV40_BlurImage
+ZLV40_API uint32_t ZLV40_BlurImage(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst,
+                                   uint32_t bytesPerPixel, uint32_t srcRowStride, uint32_t dstRowStride,
+                                   int32_t filterSize, double amount, uint32_t channelMask);
+
 #ifdef __cplusplus
 }
 #endif

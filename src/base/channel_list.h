@@ -21,6 +21,7 @@ public:
 
     u32 Count() const { return count_; }
     bool IsAll() const { return count_ == channels_; }
+    u32 At(u32 i) const { return list_[i]; }
 
     // The selected samples of `pixels` pixels, one after the other.
     template <class T>

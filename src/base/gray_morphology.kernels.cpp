@@ -1,4 +1,4 @@
-// Extremes of neighbouring bytes.
+// Sums and differences of samples and entries, and the extremes of them.
 #include "base/gray_morphology.kernels.h"
 
 #if !defined(ZLV_PORTABLE)
@@ -9,7 +9,6 @@ namespace zlv::ZLV_TARGET {
 
 namespace {
 
-u8 MaxOf(u8 a, u8 b) { return a < b ? b : a; }
 u8 MinOf(u8 a, u8 b) { return b < a ? b : a; }
 u8 AddSaturated(u8 a, u8 b) { return u8(a + MinOf(b, u8(255 - a))); }
 u8 SubtractSaturated(u8 a, u8 b) { return u8(a - MinOf(a, b)); }
@@ -60,6 +59,7 @@ constexpr size_t kLanes = 1;
 Lanes Load(const u8* from) { return *from; }
 void Store(Lanes a, u8* to) { *to = a; }
 Lanes Broadcast(u8 value) { return value; }
+Lanes MaxOf(Lanes a, Lanes b) { return a < b ? b : a; }
 bool IsEqual(Lanes a, Lanes b) { return a == b; }
 
 #endif
@@ -104,43 +104,22 @@ struct Erosion {
     }
 };
 
-template <class Op>
-void Extremes(const u8* a, const u8* b, size_t count, u8* out)
-{
-    size_t i = 0;
-    for (; i + kLanes <= count; i += kLanes) Store(Op::Extreme(Load(a + i), Load(b + i)), out + i);
-    for (; i < count; ++i) out[i] = Op::Extreme(a[i], b[i]);
-}
-
-template <class Extreme, class Apply>
-void FinishWith(const u8* a, const u8* b, u8 size, size_t count, u8* out, Extreme extreme, Apply apply)
+template <class Apply>
+void ApplyTo(u8* samples, u8 size, size_t count, Apply apply)
 {
     const Lanes sizes = Broadcast(size);
     size_t i = 0;
-    for (; i + kLanes <= count; i += kLanes) Store(apply(extreme(Load(a + i), Load(b + i)), sizes), out + i);
-    for (; i < count; ++i) out[i] = apply(extreme(a[i], b[i]), size);
+    for (; i + kLanes <= count; i += kLanes) Store(apply(Load(samples + i), sizes), samples + i);
+    for (; i < count; ++i) samples[i] = apply(samples[i], size);
 }
 
 template <class Op>
-void Finish(const u8* a, const u8* b, i16 entry, size_t count, u8* out)
+void Apply(u8* samples, i16 entry, size_t count)
 {
-    const auto extreme = [](auto x, auto y) { return Op::Extreme(x, y); };
     const auto positive = [](auto sample, auto size) { return Op::ApplyPositive(sample, size); };
     const auto negative = [](auto sample, auto size) { return Op::ApplyNegative(sample, size); };
-    if (entry >= 0) FinishWith(a, b, u8(entry), count, out, extreme, positive);
-    else FinishWith(a, b, u8(-entry), count, out, extreme, negative);
-}
-
-// Extremes of 2, 4, 8, ... neighbours, in place: what is read ahead is still the step before. Two of the last kind,
-// which may overlap, make the window.
-template <class Op>
-void Span(u8* samples, size_t count, size_t window, u8* out)
-{
-    size_t done = 1;
-    for (; 2 * done <= window; done *= 2) {
-        Extremes<Op>(samples, samples + done, count + window - 2 * done, samples);
-    }
-    Extremes<Op>(samples, samples + (window - done), count, out);
+    if (entry >= 0) ApplyTo(samples, u8(entry), count, positive);
+    else ApplyTo(samples, u8(-entry), count, negative);
 }
 
 constexpr size_t kVectors = 4;
@@ -193,8 +172,7 @@ void Window(const u8* const* rows, const i16* entries, size_t side, size_t count
 }  // namespace
 
 extern const GrayMorphologyKernels kGrayMorphologyKernels;
-const GrayMorphologyKernels kGrayMorphologyKernels = {
-    {Span<Dilation>, Extremes<Dilation>, Finish<Dilation>, Window<Dilation>},
-    {Span<Erosion>, Extremes<Erosion>, Finish<Erosion>, Window<Erosion>}};
+const GrayMorphologyKernels kGrayMorphologyKernels = {{Apply<Dilation>, Window<Dilation>},
+                                                      {Apply<Erosion>, Window<Erosion>}};
 
 }  // namespace zlv::ZLV_TARGET

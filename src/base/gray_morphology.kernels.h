@@ -13,14 +13,8 @@ inline constexpr size_t kMorphologyBlock = 256;
 
 struct GrayMorphologyKernels {
     struct Operation {
-        // out[i] = the extreme of samples[i] to samples[i + window - 1]. Uses up the samples.
-        void (*span)(u8* samples, size_t count, size_t window, u8* out);
-
-        // out[i] = the extreme of a[i] and b[i]. The output may be one of the inputs.
-        void (*extremes)(const u8* a, const u8* b, size_t count, u8* out);
-
-        // out[i] = the extreme of a[i] and b[i], with the entry applied to it.
-        void (*finish)(const u8* a, const u8* b, i16 entry, size_t count, u8* out);
+        // Applies the entry to each sample.
+        void (*apply)(u8* samples, i16 entry, size_t count);
 
         // out[i] = the extreme of rows[j][i + k], each with entries[j * side + k] applied to it.
         void (*window)(const u8* const* rows, const i16* entries, size_t side, size_t count, u8* out);

@@ -54,6 +54,9 @@ public:
     // Tells the client. False means cancelled: the code is set, the effect leaves its loop and returns 0.
     [[nodiscard]] bool Report(u32 current, u32 total);
 
+    // Whether any report of this call can reach anybody: without one, the work may be done in any grouping.
+    bool MayReport() const { return hasCallback_ && context_->nestCount == 1; }
+
     ZLVThreadContext& Context() { return *context_; }
 
 private:

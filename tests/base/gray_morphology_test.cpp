@@ -291,7 +291,7 @@ TEST(GrayMorphology, WithoutMemoryItIsCodeOne)
     const struct {
         Entries element;
         u32 allocations;
-    } kinds[] = {{Entries(9, 1), 4}, {RandomEntries(3, 9, 1), 3}};
+    } kinds[] = {{Entries(9, 1), 5}, {RandomEntries(3, 9, 1), 3}};
     for (const auto& function : kFunctions) {
         for (const auto& kind : kinds) {
             for (u32 succeeding = 0; succeeding <= kind.allocations; ++succeeding) {

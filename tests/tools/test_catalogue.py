@@ -75,8 +75,8 @@ class Info(CommandTest):
         self.assertIn("one of columns, rows; default columns", text)
 
     def test_json_of_one_effect_is_its_entry_of_the_list(self):
-        self.assertEqual(json.loads(self.run_command("info", "invert", "--json").text),
-                         json.loads(self.run_command("list", "--json").text)[0])
+        entries = {entry["name"]: entry for entry in json.loads(self.run_command("list", "--json").text)}
+        self.assertEqual(json.loads(self.run_command("info", "invert", "--json").text), entries["invert"])
 
     def test_unknown_effect_suggests_a_near_name(self):
         self.refuse(self.run_command("info", "invrt"), USAGE, "\"invrt\"", "Did you mean invert?")

@@ -1,0 +1,90 @@
+// Harmonic mean of a square window.
+//
+// What counts is the sum of reciprocals in double precision, added up row by row. Integers of reciprocals give nearly
+// the same sum at a cost that does not grow with the window; only where that leaves two samples to choose from, one in
+// some ten thousand, the sum is made as it is meant.
+#include "base/running_extremes.h"
+#include "filters/doubtful_samples.h"
+#include "filters/ordered_means.kernels.h"
+#include "filters/window_sums.h"
+
+#include "zlv40.h"
+
+using namespace zlv;
+
+namespace {
+
+class HarmonicMean {
+public:
+    explicit HarmonicMean(const WindowCall& call)
+        : call_(call),
+          channels_(call.Selected()),
+          sums_(call, TableCounts{reciprocals_}),
+          smallest_(call.src, call.Radius(), Extreme::Smallest)
+    {
+        reciprocals_[0] = 1;  // any number above 0: its windows are found by their smallest sample
+        for (u32 i = 1; i < 256; ++i) reciprocals_[i] = ((u64(1) << 32) + i / 2) / i;
+    }
+
+    // False when memory is out.
+    [[nodiscard]] bool Start()
+    {
+        const u32 count = channels_.Count();
+        const u64 rowBytes = u64(call_.src.width) * count;
+        if (!sums_.Prepare(count) || !smallest_.Prepare(count) || !row_.Resize(rowBytes)) return false;
+        if (!smallestRow_.Resize(rowBytes) || !isDoubtful_.Resize(rowBytes)) return false;
+        sums_.Start(channels_);
+        smallest_.Start(channels_);
+        return true;
+    }
+
+    void MakeRow(u32 y)
+    {
+        MakeSelectedSamples(call_.dst, y, channels_, row_.GetData(), [&](u8* out) {
+            const size_t count = size_t(call_.src.width) * channels_.Count();
+            const u64* const sums = sums_.Next();
+            smallest_.Next(smallestRow_.GetData());
+            Kernels<OrderedMeanKernels>().harmonicMeans(sums, call_.Area(), Band(), count, out, isDoubtful_.GetData());
+            if (!KeepDoubtOutsideZeros(smallestRow_.GetData(), count, out, isDoubtful_.GetData())) return;
+            MakeDoubtfulSamples(isDoubtful_.GetData(), call_.src.width, channels_, out,
+                                [&](size_t, u32 x, u32 channel) { return OrderedMean(x, y, channel); });
+        });
+    }
+
+private:
+    // How far a mean from integers of reciprocals can be from the one in double precision. The former are off by 0.5
+    // each, in a sum of at least area * 2^32 / 255, which is 2^-25 of it. The latter, its reciprocals and its additions
+    // are off by 2^-53 of the sum each. Half a dozen further roundings are as good as nothing; means are below 256.
+    f64 Band() const { return 256 * (0x1p-25 + call_.Area() * 0x1p-53 + 0x1p-49); }
+
+    u8 OrderedMean(u32 x, u32 y, u32 channel) const
+    {
+        const i64 radius = call_.Radius(), lastX = i64(call_.src.width) - 1, lastY = i64(call_.src.height) - 1;
+        f64 sum = 0;
+        for (i64 j = y - radius; j <= y + radius; ++j) {
+            const u8* const row = call_.src.Row(u32(std::clamp<i64>(j, 0, lastY))) + channel;
+            for (i64 i = x - radius; i <= x + radius; ++i) {
+                sum += 1.0 / row[size_t(std::clamp<i64>(i, 0, lastX)) * call_.src.channels];
+            }
+        }
+        const f64 halfAbove = call_.Area() / sum + 0.5;
+        return u8(std::min(halfAbove, 255.0));
+    }
+
+    const WindowCall& call_;
+    const ChannelList channels_;
+    u64 reciprocals_[256];  // in 2^-32
+    WindowSums<TableCounts> sums_;
+    RunningExtremes smallest_;
+    MVBuffer<u8> row_, smallestRow_, isDoubtful_;
+};
+
+}  // namespace
+
+ZLV_EXPORT u32 ZLV40_HarmonicMeanFilter(const u8* src, u32 width, u32 height, u8* dst, u32 bytesPerPixel,
+                                        u32 srcRowStride, u32 dstRowStride, i32 filterSize, u32 channelMask)
+{
+    const WindowCall call(src, width, height, dst, bytesPerPixel, srcRowStride, dstRowStride, filterSize, channelMask);
+    return InWindowFilter(call, kLargestSideOfSignedArea,
+                          [&](CallFrame& frame) { return RunOverRows(frame, call, HarmonicMean(call)); });
+}

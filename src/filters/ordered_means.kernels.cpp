@@ -1,0 +1,88 @@
+// Means in double precision.
+#include "filters/ordered_means.kernels.h"
+
+#include "base/kernel_vectors.h"
+
+namespace zlv::ZLV_TARGET {
+
+namespace {
+
+using Reals = RealsOf<f64>;
+
+constexpr size_t kLanes = Lanes<f64>::kCount;
+constexpr size_t kVectors = 4;  // side by side: an addition is done when its result is wanted
+constexpr size_t kStrip = kVectors * kLanes;
+static_assert(kStrip <= kOrderedSlack);
+
+struct StripSums {
+    Reals sums[kVectors] = {};
+
+    void Add(const f64* from)
+    {
+#pragma GCC unroll 4
+        for (size_t v = 0; v < kVectors; ++v) sums[v] += Load<Reals>(from + v * kLanes);
+    }
+};
+
+void OrderedSums(const f64* const* rows, size_t side, size_t reach, size_t extra, size_t step, size_t count, f64* out)
+{
+    for (size_t i = 0; i < count; i += kStrip) {
+        StripSums strip;
+        for (size_t j = 0; j < side; ++j) {
+            const f64* const first = rows[j] + i;
+            const f64* const last = first + reach * step;
+            for (size_t k = 0; k < extra; ++k) strip.Add(first);
+            for (const f64* from = first; from <= last; from += step) strip.Add(from);
+            for (size_t k = 0; k < extra; ++k) strip.Add(last);
+        }
+        for (size_t v = 0; v < kVectors; ++v) Store(out + i + v * kLanes, strip.sums[v]);
+    }
+}
+
+void Divide(const f64* __restrict numbers, f64 divisor, size_t count, f64* __restrict out)
+{
+    for (size_t i = 0; i < count; ++i) out[i] = numbers[i] / divisor;
+}
+
+u8 Truncated(f64 number)
+{
+    const f64 notNegative = number > 0 ? number : 0;
+    return u8(i32(notNegative < 255 ? notNegative : 255));
+}
+
+void Truncate(const f64* __restrict numbers, size_t count, u8* __restrict out)
+{
+    for (size_t i = 0; i < count; ++i) out[i] = Truncated(numbers[i]);
+}
+
+// The mean of the squares can be truncated before its root is taken. With half a unit added to its sum, it is at least
+// 0.5 / area away from any integer, which double precision resolves. Single precision resolves the roots: those of the
+// numbers below a square are at least 1 / 510 away from an integer.
+void QuadraticMeans(const u32* __restrict sums, f64 area, size_t count, u8* __restrict out)
+{
+    const f64 reciprocal = 1 / area;
+    for (size_t i = 0; i < count; ++i) {
+        const i32 mean = i32((i32(sums[i]) + 0.5) * reciprocal);
+        out[i] = u8(i32(__builtin_sqrtf(f32(mean))));
+    }
+}
+
+void HarmonicMeans(const u64* __restrict sums, f64 area, f64 band, size_t count, u8* __restrict out,
+                   u8* __restrict isDoubtful)
+{
+    constexpr f64 kRounding = 0x1p52;  // a number added to this is rounded to an integer
+    const f64 scaledArea = area * 0x1p32;
+    for (size_t i = 0; i < count; ++i) {
+        const f64 mean = scaledArea / f64(i64(sums[i])) + 0.5;
+        const f64 distance = mean - ((mean + kRounding) - kRounding);
+        isDoubtful[i] = (distance < band) & (distance > -band);
+        out[i] = Truncated(mean);
+    }
+}
+
+}  // namespace
+
+extern const OrderedMeanKernels kOrderedMeanKernels;
+const OrderedMeanKernels kOrderedMeanKernels = {OrderedSums, Divide, Truncate, QuadraticMeans, HarmonicMeans};
+
+}  // namespace zlv::ZLV_TARGET

@@ -1,0 +1,38 @@
+// Kernels of the means that are made in double precision, where the order of operations decides the last bit. Lanes are
+// samples side by side; each keeps its own order.
+#pragma once
+
+#include "platform/types.h"
+#include "runtime/targets.h"
+
+namespace zlv {
+
+// Rows of numbers can be read and written this far behind their last one.
+inline constexpr size_t kOrderedSlack = 32;
+
+// The largest window whose sum of squares is a number of 32 bits with a sign.
+inline constexpr u32 kLargestSideOfSquares = 181;
+
+struct OrderedMeanKernels {
+    // out[i] = the sum over rows, from left to right, of rows[j][i + k * step] for each k from 0 to reach; the first
+    // and the last one count 1 + extra times.
+    void (*orderedSums)(const f64* const* rows, size_t side, size_t reach, size_t extra, size_t step, size_t count,
+                        f64* out);
+
+    // out[i] = numbers[i] / divisor.
+    void (*divide)(const f64* numbers, f64 divisor, size_t count, f64* out);
+
+    // out[i] = numbers[i] limited to 0..255, truncated.
+    void (*truncate)(const f64* numbers, size_t count, u8* out);
+
+    // out[i] = the root of sums[i] / area, truncated. Sums of squares of windows up to kLargestSideOfSquares.
+    void (*quadraticMeans)(const u32* sums, f64 area, size_t count, u8* out);
+
+    // out[i] = area / (sums[i] / 2^32) + 0.5, truncated. isDoubtful[i] tells whether another quotient within the band
+    // might give something else.
+    void (*harmonicMeans)(const u64* sums, f64 area, f64 band, size_t count, u8* out, u8* isDoubtful);
+};
+
+ZLV_DECLARE_KERNELS(OrderedMeanKernels, kOrderedMeanKernels);
+
+}  // namespace zlv
