@@ -54,9 +54,21 @@ enum ZLV40_Error {
     ZLV40_ERROR_TIME_OUT = 84          /* a thread of the library did not answer within a second */
 };
 
-/* Flag bits. */
+/* Flag bits. Each function says which ones it knows. */
 enum ZLV40_Flag {
-    ZLV40_PROTECT_ALPHA = 1 /* leaves channel 3 alone */
+    ZLV40_PROTECT_ALPHA = 1, /* leaves channel 3 alone */
+    ZLV40_BGR = 1,           /* blue comes first and red third */
+    ZLV40_ALPHA_FIRST = 1,   /* channel 0 is alpha, the first colour's place is channel 3 */
+    ZLV40_MASK_255 = 2       /* marks are 255 instead of 1 */
+};
+
+/* Formulas of ZLV40_ContrastMaskImage. */
+enum ZLV40_ContrastMaskMode { ZLV40_CONTRAST_MASK_SOFT_LIGHT = 0, ZLV40_CONTRAST_MASK_OVERLAY = 1 };
+
+/* Where ZLV40_GetHSVColorMatchMaskFromImage grows. */
+enum ZLV40_MatchMode {
+    ZLV40_MATCH_UP_TO_BORDER = 0, /* over what does not match the border colour */
+    ZLV40_MATCH_SEED = 1          /* over what matches the seed's colour */
 };
 
 enum { ZLV40_VERSION_BYTES = 20 /* what ZLV40_GetLibVersion writes */ };
@@ -138,6 +150,167 @@ ZLV40_API void ZLV40_Exit(void);
 #define ZLV40_InvertImage _ZLV40_InvertImage
 ZLV40_API uint32_t ZLV40_InvertImage(uint8_t* buffer, uint32_t width, uint32_t height, int32_t bytesPerPixel,
                                      uint32_t rowStride, uint32_t flags);
+
+/* Turns every colour into the nearest corner of the colour cube, in place: components below 128 become 0, others 255.
+ *   buffer     height rows of width pixels of 3 channels, 8 bits a sample; not NULL
+ *   width      pixels a row, 1 or more
+ *   height     rows, 1 or more
+ *   rowStride  bytes from one row to the next, >= width * 3; padding is not touched
+ *   flags      ignored: the corners are the same in any order of the channels
+ * Returns 1; or 0: with ZLV40_ERROR_BAD_ARGUMENT (nothing is written), or with ZLV40_ERROR_NONE after a cancel.
+ * Progress once a row; can be cancelled, rows done so far stay changed. Works on the calling thread. */
+#define ZLV40_PosterizeRGB _ZLV40_PosterizeRGB
+ZLV40_API uint32_t ZLV40_PosterizeRGB(uint8_t* buffer, uint32_t width, uint32_t height, uint32_t rowStride,
+                                      uint32_t flags);
+
+/* Turns the bright half of each channel over, in place: samples up to 126 stay, a sample v from 127 on becomes 255 - v.
+ *   buffer         height rows of width pixels, 8 bits a sample, interleaved; not NULL
+ *   width          pixels a row
+ *   height         rows; 0 is nothing to do
+ *   bytesPerPixel  channels: 3 or 4
+ *   rowStride      bytes from one row to the next, >= width * bytesPerPixel; padding is not touched
+ *   flags          0, or ZLV40_PROTECT_ALPHA: channel 3 is left alone (without effect with 3 channels); other bits are
+ *                  ignored
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written) or ZLV40_ERROR_CANCELLED.
+ * Progress once a row; can be cancelled, rows done so far stay changed. Works on the calling thread. */
+#define ZLV40_SolarizeImage _ZLV40_SolarizeImage
+ZLV40_API uint32_t ZLV40_SolarizeImage(uint8_t* buffer, uint32_t width, uint32_t height, int32_t bytesPerPixel,
+                                       uint32_t rowStride, uint8_t flags);
+
+/* Turns the colours of an image round the colour circle, in place; their brightness stays, up to rounding.
+ * An angle of 0 rounds too: it changes samples by a level here and there.
+ *   buffer         height rows of width pixels, 8 bits a sample, interleaved; not NULL
+ *   width          pixels a row
+ *   height         rows; 0 is nothing to do
+ *   bytesPerPixel  channels, 3 or more; the first three are red, green and blue, others are left alone
+ *   rowStride      bytes from one row to the next, >= width * bytesPerPixel; padding is not touched
+ *   angle          degrees, of any size and sign
+ *   flags          0, or ZLV40_BGR; other bits are ignored
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written) or ZLV40_ERROR_CANCELLED.
+ * Progress once a row; can be cancelled, rows done so far stay changed. Works on the calling thread. */
+#define ZLV40_AdjustTint _ZLV40_AdjustTint
+ZLV40_API uint32_t ZLV40_AdjustTint(uint8_t* buffer, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
+                                    uint32_t rowStride, int32_t angle, uint32_t flags);
+
+/* Makes a colour image of a gray one: hue and saturation of one colour, the gray samples as the value.
+ *   source                    height rows of width samples of 8 bits; not NULL
+ *   width                     pixels a row, 1 or more
+ *   height                    rows, 1 or more
+ *   sourceStride              bytes from one row of the source to the next, >= width
+ *   destination               height rows of width pixels, 8 bits a sample, interleaved; not NULL and not the source
+ *   destinationBytesPerPixel  channels, 3 or more; red, green and blue are written, others are left alone
+ *   destinationStride         bytes from one row to the next, >= width * destinationBytesPerPixel; padding is not
+ *                             touched
+ *   color                     0xBBGGRR; the top byte is ignored
+ *   flags                     0, or ZLV40_BGR: color is 0xRRGGBB (the destination's order stays); other bits are
+ *                             ignored
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written).
+ * Never reports progress and can't be cancelled. Works on the calling thread. */
+#define ZLV40_TintGrayscale _ZLV40_TintGrayscale
+ZLV40_API uint32_t ZLV40_TintGrayscale(const uint8_t* source, uint32_t width, uint32_t height, uint32_t sourceStride,
+                                       uint8_t* destination, uint32_t destinationBytesPerPixel,
+                                       uint32_t destinationStride, uint32_t color, uint8_t flags);
+
+/* Paints the hue of one colour over the image's luminance, in place: the darker a pixel, the more saturated it gets.
+ *   buffer         height rows of width pixels, 8 bits a sample, interleaved; not NULL
+ *   width          pixels a row
+ *   height         rows; 0 is nothing to do
+ *   bytesPerPixel  channels: 3 or 4; channel 3 is left alone
+ *   rowStride      bytes from one row to the next, >= width * bytesPerPixel; padding is not touched
+ *   color          0xBBGGRR, of which only the hue counts; the top byte is ignored
+ *   flags          0, or ZLV40_BGR: color is 0xRRGGBB (channel 0 of the image stays red); other bits are ignored
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written) or ZLV40_ERROR_CANCELLED.
+ * Progress once a row; can be cancelled, rows done so far stay changed. Works on the calling thread. */
+#define ZLV40_DuotoneImage _ZLV40_DuotoneImage
+ZLV40_API uint32_t ZLV40_DuotoneImage(uint8_t* buffer, uint32_t width, uint32_t height, int32_t bytesPerPixel,
+                                      uint32_t rowStride, uint32_t color, uint8_t flags);
+
+/* Makes dark samples 0 and light ones 255, in place: those below low, and those from high on. What lies between stays.
+ *   buffer         height rows of width pixels, 8 bits a sample, interleaved; not NULL
+ *   width          pixels a row, 1 or more
+ *   height         rows, 1 or more
+ *   bytesPerPixel  channels, 1 to 8
+ *   rowStride      bytes from one row to the next, >= width * bytesPerPixel; padding is not touched
+ *   low            first level that is not 0; anything above 256 acts as 256
+ *   high           first level that is 255; anything above 256 acts as 256, and anything below low as low
+ *   channelMask    bit c selects channel c, the others are left alone; bits beyond the channels are ignored
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written).
+ * Reports no progress and can't be cancelled. (Called from within a progress callback it may call that one once a row,
+ * and a 0 ends the work; the result is 1 nevertheless.) Works on the calling thread. */
+#define ZLV40_ThresholdFilter _ZLV40_ThresholdFilter
+ZLV40_API uint32_t ZLV40_ThresholdFilter(uint8_t* buffer, uint32_t width, uint32_t height, int32_t bytesPerPixel,
+                                         uint32_t rowStride, uint32_t low, uint32_t high, uint32_t channelMask);
+
+/* Shifts the colours of dark, middle and light tones, in place.
+ *   buffer                             height rows of width pixels, 8 bits a sample, interleaved; not NULL
+ *   width                              pixels a row
+ *   height                             rows; 0 is nothing to do
+ *   bytesPerPixel                      channels: 3 or 4
+ *   rowStride                          bytes from one row to the next, >= width * bytesPerPixel; padding is not
+ *                                      touched
+ *   midRed, midGreen, midBlue          -128..128 (limited to it); more of a colour means less of the two others
+ *   shadowRed, shadowGreen, shadowBlue likewise; they work by lowering the two other channels of dark tones, and only
+ *                                      their differences count where one is below 0
+ *   highRed, highGreen, highBlue       likewise; they work by raising their own channel of light tones
+ *   brightness                         any number; middle tones lose four levels a unit, black and white none
+ *   flags                              0, or ZLV40_ALPHA_FIRST: channel 0 is left alone and channel 3 takes red's place
+ *                                      (none does with 3 channels); without it channel 3 is left alone. Other bits are
+ *                                      ignored
+ * Returns 1; or 0: with ZLV40_ERROR_BAD_ARGUMENT (nothing is written), or with ZLV40_ERROR_NONE after a cancel.
+ * Progress once a row; can be cancelled, rows done so far stay changed. Works on the calling thread. */
+#define ZLV40_AdjustImageColorBalance _ZLV40_AdjustImageColorBalance
+ZLV40_API uint32_t ZLV40_AdjustImageColorBalance(uint8_t* buffer, uint32_t width, uint32_t height,
+                                                 int32_t bytesPerPixel, uint32_t rowStride, int32_t midRed,
+                                                 int32_t midGreen, int32_t midBlue, int32_t shadowRed,
+                                                 int32_t shadowGreen, int32_t shadowBlue, int32_t highRed,
+                                                 int32_t highGreen, int32_t highBlue, int32_t brightness,
+                                                 uint8_t flags);
+
+/* Lightens the dark parts of an image and darkens its light ones, in place, by blending it with a blurred gray copy of
+ * itself turned over.
+ *   buffer         height rows of width pixels, 8 bits a sample, interleaved; not NULL
+ *   width          pixels a row
+ *   height         rows
+ *   bytesPerPixel  channels: 3 or 4; channel 3 is left alone
+ *   rowStride      bytes from one row to the next, >= width * bytesPerPixel; padding is not touched
+ *   mode           ZLV40_CONTRAST_MASK_SOFT_LIGHT or ZLV40_CONTRAST_MASK_OVERLAY; any other one changes no pixel
+ *   sigma          of the blur, in pixels; 0 or less does not blur. Up to 3.4e38, and a number
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY (also for a width or height of 0), nothing
+ * being written with either, or with ZLV40_ERROR_CANCELLED.
+ * Progress once a row; can be cancelled, rows done so far stay changed. Works on the calling thread. */
+#define ZLV40_ContrastMaskImage _ZLV40_ContrastMaskImage
+ZLV40_API uint32_t ZLV40_ContrastMaskImage(uint8_t* buffer, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
+                                           uint32_t rowStride, uint32_t mode, double sigma);
+
+/* Finds the region of like colours round a pixel, as a mask. It grows from the seed to the pixels above, below, left
+ * and right of it, and on from those. Colours match if each component lies within its tolerance; hues are compared
+ * round the circle, 359 and 1 differ by 2. With tolerances of 0 all three components must be equal.
+ *   hsvImage                            height rows of width pixels, three doubles each: hue in degrees, saturation,
+ *                                       value; not NULL
+ *   width                               pixels a row, 1 or more
+ *   height                              rows, 1 or more
+ *   rowStride                           doubles from one row to the next, >= width * 3
+ *   mask                                height * maskStride bytes, all of them written: the mark in the region, 0
+ *                                       elsewhere; not NULL
+ *   maskStride                          bytes from one row of the mask to the next, >= width. Let it be width: with
+ *                                       paddings neighbours above and below are looked up as if there were none, and
+ *                                       parts of a region can stay out
+ *   seedX, seedY                        a pixel of the image
+ *   borderH, borderS, borderV           the border's colour; any numbers
+ *   matchMode                           ZLV40_MATCH_SEED; any other value is ZLV40_MATCH_UP_TO_BORDER. If the seed
+ *                                       itself matches the border the region is empty
+ *   toleranceH, toleranceS, toleranceV  largest differences, in the units of the components; nothing is within a
+ *                                       tolerance below 0
+ *   flags                               0, or ZLV40_MASK_255; other bits are ignored
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written) or ZLV40_ERROR_OUT_OF_MEMORY (with maskStride ==
+ * width nothing is written, otherwise the mask is unfinished).
+ * Never reports progress and can't be cancelled. Works on the calling thread. */
+#define ZLV40_GetHSVColorMatchMaskFromImage _ZLV40_GetHSVColorMatchMaskFromImage
+ZLV40_API uint32_t ZLV40_GetHSVColorMatchMaskFromImage(const double* hsvImage, uint32_t width, uint32_t height,
+                                                       uint32_t rowStride, uint8_t* mask, uint32_t maskStride,
+                                                       uint32_t seedX, uint32_t seedY, double borderH, double borderS,
+                                                       double borderV, uint32_t matchMode, double toleranceH,
+                                                       double toleranceS, double toleranceV, uint8_t flags);
 
 /* ---- Filters ------------------------------------------------------------------------------------------------ */
 

@@ -23,6 +23,11 @@ def sample_bits(argument):
     return argument.facts.get("bits", description.SAMPLE_BITS[argument.type.removeprefix("const ").rstrip("*")])
 
 
+def stride_bytes(export, place):
+    """How many bytes a stride counts."""
+    return 8 if place >= 0 and export.arguments[place].facts.get("unit") == "doubles" else 1
+
+
 def image_shape(export, image):
     """Where among the arguments an image finds its numbers: those that are `of` it, or of no image in particular."""
     def place(role):
@@ -33,8 +38,10 @@ def image_shape(export, image):
     counts = image.facts.get("channels", [])
     fixed = counts[0] if counts and place("channels") < 0 else 0
     return (f"{{.width = {place('width')}, .height = {place('height')}, .channels = {place('channels')}, "
-            f".stride = {place('stride')}, .fixedChannels = {fixed}, .sampleBits = {sample_bits(image)}, "
-            f".isWritten = {'false' if image.facts['access'] == 'in' else 'true'}}}")
+            f".stride = {place('stride')}, .strideBytes = {stride_bytes(export, place('stride'))}, "
+            f".fixedChannels = {fixed}, .sampleBits = {sample_bits(image)}, "
+            f".isWritten = {'false' if image.facts['access'] == 'in' else 'true'}, "
+            f".isPaddingWritten = {'true' if image.facts.get('padding') == 'written' else 'false'}}}")
 
 
 def argument_row(export, argument):
@@ -48,6 +55,8 @@ def argument_row(export, argument):
         f".zero = {'Zero::Nothing' if zero == 'nothing' else 'Zero::Refused' if zero else 'Zero::Plain'}",
     ]
     # In the order of the fields of DescribedArgument.
+    if zero not in ("", "nothing"):
+        parts.append(f".zeroError = {description.ERRORS[zero]}")
     for key in ("minimum", "maximum", "default"):
         if key in facts:
             parts.append(f".{key}{'_' if key == 'default' else ''} = {float(facts[key])!r}")
@@ -73,6 +82,7 @@ def effect_row(export):
         f"     .channels = {{{channels}}},",
         f"     .reports = {'false' if facts['progress'] == 'none' else 'true'},",
         f"     .canCancel = {'true' if facts['cancel'] else 'false'},",
+        f"     .cancelError = {description.ERRORS['CANCELLED'] if 'CANCELLED' in facts['errors'] else 0},",
         "     .arguments = {",
         *(argument_row(export, argument) for argument in export.arguments),
         "     },",

@@ -5,6 +5,9 @@
 
 namespace zlv {
 
+// Channel counts of colour images: three colours, with or without alpha behind them.
+constexpr bool IsColour(i64 channels) { return channels == 3 || channels == 4; }
+
 // T is u8, or u16 in the 16-bit mode of the base layer, where the stride counts words.
 template <class T>
 struct ImageView {

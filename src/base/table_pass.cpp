@@ -10,16 +10,21 @@ namespace zlv {
 
 namespace {
 
-constexpr u32 kMaxXorChannels = 8;
+constexpr u32 kMaxMaskPeriod = 8;
 
-// One table for all channels, a table each, or nothing but exclusive ors: each has its own kernel.
+// Looking a table through costs as much as looking some thousand samples up.
+constexpr size_t kSamplesWorthSteps = 4096;
+
+// Nothing but exclusive ors, a table of few steps, one table for all channels or a table each: each has its own kernel.
 class BytePlan {
 public:
-    BytePlan(const void* const* tables, u32 channels)
+    BytePlan(const void* const* tables, u32 channels, size_t samples)
         : kernels_(Kernels<TablePassKernels>()), tables_(tables), channels_(channels)
     {
         const bool isShared = std::all_of(tables, tables + channels, [&](const void* t) { return t == tables[0]; });
-        if (channels <= kMaxXorChannels && MakeXorMasks(isShared)) way_ = Way::Xor;
+        period_ = isShared ? 1 : channels;
+        if (period_ <= kMaxMaskPeriod && MakeXorMasks()) way_ = Way::Xor;
+        else if (period_ <= kMaxMaskPeriod && samples >= kSamplesWorthSteps && MakeSteps()) way_ = Way::Steps;
         else way_ = isShared ? Way::SharedTable : Way::TableEach;
     }
 
@@ -27,49 +32,64 @@ public:
     {
         switch (way_) {
         case Way::Xor: kernels_.xorSamples(samples, pixels * channels_, masks_, period_); break;
+        case Way::Steps: kernels_.mapSteps(samples, pixels * channels_, steps_, masks_, period_); break;
         case Way::SharedTable: kernels_.mapSamples(samples, pixels * channels_, Table(0)); break;
         case Way::TableEach: kernels_.mapPixels(samples, pixels, channels_, tables_); break;
         }
     }
 
 private:
-    enum class Way : u8 { Xor, SharedTable, TableEach };
+    enum class Way : u8 { Xor, Steps, SharedTable, TableEach };
 
     const u8* Table(u32 channel) const { return static_cast<const u8*>(tables_[channel]); }
 
     // False when some table is more than an exclusive or.
-    bool MakeXorMasks(bool isShared)
+    bool MakeXorMasks()
     {
-        period_ = isShared ? 1 : channels_;
         for (u32 c = 0; c < period_; ++c) {
             const bool isKnown = c > 0 && Table(c) == Table(c - 1);
             if (!isKnown && Table(c) && !kernels_.isXorTable(Table(c))) return false;
             masks_[c] = Table(c) ? Table(c)[0] : u8(0);
         }
-        if (isShared) {
-            std::fill_n(masks_, kXorBlock, masks_[0]);
-            return true;
+        RepeatMasks();
+        return true;
+    }
+
+    // False when several tables are in use, or one of more steps.
+    bool MakeSteps()
+    {
+        const u8* only = nullptr;
+        for (u32 c = 0; c < period_; ++c) {
+            if (Table(c) && only && Table(c) != only) return false;
+            if (Table(c)) only = Table(c);
+            masks_[c] = Table(c) ? 255 : 0;
         }
-        // The pixel's masks again and again: whole pixels, doubled each time.
-        const size_t size = period_ * kXorBlock;
+        RepeatMasks();
+        return FindSteps(only, steps_);
+    }
+
+    // The pixel's masks again and again: whole pixels, doubled each time.
+    void RepeatMasks()
+    {
+        const size_t size = period_ * kMaskBlock;
         for (size_t done = period_; done < size; done *= 2) {
             std::copy_n(masks_, std::min(done, size - done), masks_ + done);
         }
-        return true;
     }
 
     const TablePassKernels& kernels_;
     const void* const* tables_;
     const u32 channels_;
     Way way_;
-    u32 period_ = 1;
-    u8 masks_[kMaxXorChannels * kXorBlock];
+    u32 period_;
+    SteppedTable steps_;
+    u8 masks_[kMaxMaskPeriod * kMaskBlock];
 };
 
 // 16-bit tables are larger than most rows: they are looked up and never inspected.
 class WordPlan {
 public:
-    WordPlan(const void* const* tables, u32 channels) : tables_(tables), channels_(channels) {}
+    WordPlan(const void* const* tables, u32 channels, size_t) : tables_(tables), channels_(channels) {}
 
     void Map(u16* samples, size_t pixels) const
     {
@@ -100,7 +120,7 @@ u32 ApplyTables(MVThreadContext& context, Error& error, const ImageView<T>& imag
     if (!tables) return work.Fail(Error::BadArgument);
     if (std::all_of(tables, tables + image.channels, [](const void* table) { return !table; })) return 1;
 
-    const PlanFor<T> plan(tables, image.channels);
+    const PlanFor<T> plan(tables, image.channels, image.SamplesPerRow() * image.height);
     if (!work.MayReport() && image.IsContiguous()) {
         plan.Map(image.data, size_t(image.width) * image.height);
         return 1;

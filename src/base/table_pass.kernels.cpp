@@ -4,6 +4,8 @@
 // shuffle: it walks the sixteen parts of a table, which still beats a load for each sample. The baseline looks up.
 #include "base/table_pass.kernels.h"
 
+#include "base/kernel_wide_table.h"
+
 #if !defined(ZLV_PORTABLE)
 #include <immintrin.h>
 #endif
@@ -22,45 +24,44 @@ bool IsXorTable(const u8* table)
     return difference == 0;
 }
 
-void XorBlock(u8* __restrict samples, const u8* __restrict masks)
+// Calls mapBlock(samples, masks, count) with the masks of the samples; all counts but the last are kMaskBlock.
+template <class MapBlock>
+void ForBlocks(u8* samples, size_t count, const u8* masks, size_t period, MapBlock mapBlock)
 {
-    for (size_t i = 0; i < kXorBlock; ++i) samples[i] ^= masks[i];
+    size_t i = 0;
+    size_t phase = 0;
+    for (; i + kMaskBlock <= count; i += kMaskBlock) {
+        mapBlock(samples + i, masks + phase * kMaskBlock, kMaskBlock);
+        if (++phase == period) phase = 0;
+    }
+    if (i < count) mapBlock(samples + i, masks + phase * kMaskBlock, count - i);
 }
 
 void XorSamples(u8* samples, size_t count, const u8* masks, size_t period)
 {
-    size_t i = 0;
-    size_t phase = 0;
-    for (; i + kXorBlock <= count; i += kXorBlock) {
-        XorBlock(samples + i, masks + phase * kXorBlock);
-        if (++phase == period) phase = 0;
+    ForBlocks(samples, count, masks, period, [](u8* __restrict block, const u8* __restrict blockMasks, size_t size) {
+        for (size_t i = 0; i < size; ++i) block[i] ^= blockMasks[i];
+    });
+}
+
+u8 MapStep(u8 sample, const SteppedTable& table)
+{
+    u8 mapped = (sample & table.keep[0]) ^ table.flip[0];
+    for (u32 k = 1; k < kMaxSteps; ++k) {
+        if (sample >= table.first[k]) mapped = (sample & table.keep[k]) ^ table.flip[k];
     }
-    for (size_t k = 0; i + k < count; ++k) samples[i + k] ^= masks[phase * kXorBlock + k];
+    return mapped;
+}
+
+void MapSteps(u8* samples, size_t count, const SteppedTable& table, const u8* masks, size_t period)
+{
+    const SteppedTable steps = table;
+    ForBlocks(samples, count, masks, period, [=](u8* __restrict block, const u8* __restrict blockMasks, size_t size) {
+        for (size_t i = 0; i < size; ++i) block[i] ^= u8((MapStep(block[i], steps) ^ block[i]) & blockMasks[i]);
+    });
 }
 
 #if defined(ZLV_TARGET_avx512)
-
-// A table in registers: entries 0 to 127 in the first two, 128 to 255 in the others.
-struct WideTable {
-    __m512i parts[4];
-};
-
-WideTable LoadTable(const u8* table)
-{
-    WideTable wide;
-    for (size_t i = 0; i < 4; ++i) wide.parts[i] = _mm512_loadu_si512(table + i * 64);
-    return wide;
-}
-
-__m512i LookUp(const WideTable& table, __m512i samples)
-{
-    const __m512i lower = _mm512_permutex2var_epi8(table.parts[0], samples, table.parts[1]);
-    const __m512i upper = _mm512_permutex2var_epi8(table.parts[2], samples, table.parts[3]);
-    return _mm512_mask_blend_epi8(_mm512_movepi8_mask(samples), lower, upper);
-}
-
-// The lanes of the first `count` bytes; all 64 from there on.
-__mmask64 FirstLanes(size_t count) { return count >= 64 ? ~__mmask64{0} : (__mmask64{1} << count) - 1; }
 
 void MapSamples(u8* samples, size_t count, const u8* table)
 {
@@ -223,6 +224,6 @@ void MapPixels(u8* samples, size_t pixels, size_t channels, const void* const* t
 }  // namespace
 
 extern const TablePassKernels kTablePassKernels;
-const TablePassKernels kTablePassKernels = {IsXorTable, XorSamples, MapSamples, MapPixels};
+const TablePassKernels kTablePassKernels = {IsXorTable, XorSamples, MapSteps, MapSamples, MapPixels};
 
 }  // namespace zlv::ZLV_TARGET

@@ -102,7 +102,7 @@ CallFrame::~CallFrame()
 
 bool CallFrame::Report(u32 current, u32 total)
 {
-    if (!hasCallback_ || context_->nestCount != 1 || !context_->callback) return true;
+    if (!MayReport() || !context_->callback) return true;
     if (CallClient(*context_, current, total) != 0) return true;
     SetLastError(Error::Cancelled);
     return false;
@@ -111,7 +111,7 @@ bool CallFrame::Report(u32 current, u32 total)
 ForwardingSpan::ForwardingSpan(CallFrame& frame) : frame_(frame)
 {
     baseCallback_ = MV40_GetCallback(&baseCallbackData_);
-    MV40_SetCallback(ZLVForwardProgress, frame.Context().callbackData);
+    MV40_SetCallback(frame.MayReport() ? ZLVForwardProgress : nullptr, frame.Context().callbackData);
 }
 
 }  // namespace zlv

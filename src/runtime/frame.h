@@ -69,7 +69,8 @@ private:
     u64 baseCallbackData_ = 0;
 };
 
-// While it lives, progress of the base layer is progress of this effect.
+// While it lives, progress of the base layer is progress of this effect. Where it can reach nobody the base layer is
+// told so, and need not stop after each row.
 class ForwardingSpan {
 public:
     explicit ForwardingSpan(CallFrame& frame);

@@ -35,10 +35,18 @@ ByteTable XorTable(u8 mask)
     return table;
 }
 
+ByteTable ThresholdTable(u32 low, u32 high)
+{
+    ByteTable table;
+    for (u32 i = 0; i < 256; ++i) table[i] = u8(i < low ? 0 : i < high ? i : 255);
+    return table;
+}
+
 // The tables that the tests below name by a letter each.
 struct Tables {
     ByteTable a = RandomTable(1), b = RandomTable(2), c = RandomTable(3), d = RandomTable(4);
     ByteTable complement = XorTable(255), identity = XorTable(0), lowBits = XorTable(0x0F);
+    ByteTable threshold = ThresholdTable(60, 190), twoLevels = ThresholdTable(128, 128);
 
     const void* Named(char name) const
     {
@@ -50,6 +58,8 @@ struct Tables {
         case '~': return complement.data();
         case '=': return identity.data();
         case 'x': return lowBits.data();
+        case 't': return threshold.data();
+        case '2': return twoLevels.data();
         default: return nullptr;
         }
     }
@@ -85,6 +95,15 @@ const struct {
     {"eight channels of exclusive ors", "~x=~x=-~"},
     {"eight channels, a table each", "abcdabcd"},
     {"nine channels share a table", "aaaaaaaaa"},
+    {"nine channels share an exclusive or", "~~~~~~~~~"},
+    {"one channel of few steps", "t"},
+    {"three channels share a table of few steps", "ttt"},
+    {"three channels, few steps, the middle one left alone", "t-t"},
+    {"four channels, few steps, alpha left alone", "222-"},
+    {"three channels, different tables of few steps", "t2t"},
+    {"eight channels, few steps for the last one", "-------t"},
+    {"nine channels share a table of few steps", "ttttttttt"},
+    {"nine channels, few steps for all but one", "tttttttt-"},
     {"nine channels of exclusive ors", "~~~~~~~~x"},
 };
 
@@ -96,7 +115,8 @@ TEST(ApplyLUTsToImage, EveryTargetEqualsPlainOnAllShapes)
         for (const auto& row : kTableSets) {
             const std::vector<const void*> set = tables.Set(row.tables);
             const u32 channels = u32(set.size());
-            for (const u32 width : {1u, 2u, 5u, 15u, 16u, 21u, 22u, 31u, 43u, 64u, 65u, 171u}) {
+            // From 4,096 samples on tables are looked through for their steps.
+            for (const u32 width : {1u, 2u, 5u, 15u, 16u, 21u, 22u, 31u, 43u, 64u, 65u, 171u, 4100u}) {
                 for (const u32 padding : {0u, 1u, 7u}) {
                     for (const u32 height : {1u, 3u}) {
                         SCOPE(zlvtest::NameOf(target), row.shows, width, padding, height);
@@ -145,6 +165,28 @@ TEST(ApplyLUTsToImage, EveryValueOfEveryExclusiveOrIsMapped)
             ByteTable samples = XorTable(0);
             ASSERT_EQ(MV40_ApplyLUTsToImage(samples.data(), 256, 1, 1, 256, set, 0), 1u);
             ASSERT_EQ(samples, table);
+        }
+    }
+}
+
+TEST(ApplyLUTsToImage, EveryValueOfEveryThresholdIsMapped)
+{
+    constexpr u32 kRepeats = 16;  // an image large enough to be worth it
+    for (const zlv::Target target : zlvtest::RunnableTargets()) {
+        const zlvtest::ScopedTarget scoped(target);
+        for (u32 low = 0; low <= 256; low += 5) {
+            for (u32 high = 1; high <= 256; high += 15) {
+                SCOPE(zlvtest::NameOf(target), low, high);
+                const ByteTable table = ThresholdTable(low, high);
+                const void* const set[] = {table.data()};
+                Bytes samples(256 * kRepeats), wanted(256 * kRepeats);
+                for (u32 i = 0; i < samples.size(); ++i) {
+                    samples[i] = u8(i);
+                    wanted[i] = table[i % 256];
+                }
+                ASSERT_EQ(MV40_ApplyLUTsToImage(samples.data(), 256, kRepeats, 1, 256, set, 0), 1u);
+                ASSERT_EQ(samples, wanted);
+            }
         }
     }
 }
@@ -314,13 +356,36 @@ TEST(TablePassKernels, XorMasksRepeatAfterTheirPeriod)
     for (const zlv::Target target : zlvtest::RunnableTargets()) {
         const zlvtest::ScopedTarget scoped(target);
         for (const size_t period : {size_t(1), size_t(3), size_t(5)}) {
-            const Bytes masks = zlvtest::RandomBytes(period * kXorBlock, period);
+            const Bytes masks = zlvtest::RandomBytes(period * kMaskBlock, period);
             for (size_t count : {0, 1, 63, 64, 65, 191, 192, 193, 400, 1001}) {
                 SCOPE(zlvtest::NameOf(target), period, count);
                 Bytes wanted = zlvtest::RandomBytes(count, count);
                 Bytes got = wanted;
                 for (size_t i = 0; i < count; ++i) wanted[i] ^= masks[i % masks.size()];
                 Kernels<TablePassKernels>().xorSamples(got.data(), count, masks.data(), period);
+                EXPECT_EQ(got, wanted);
+            }
+        }
+    }
+}
+
+TEST(TablePassKernels, MasksOfStepsRepeatAfterTheirPeriod)
+{
+    const SteppedTable table = {{0, 60, 190}, {0, 255, 0}, {0, 0, 255}};
+    const ByteTable entries = ThresholdTable(60, 190);
+    for (const zlv::Target target : zlvtest::RunnableTargets()) {
+        const zlvtest::ScopedTarget scoped(target);
+        for (const size_t period : {size_t(1), size_t(3), size_t(5)}) {
+            const Bytes masks = zlvtest::RandomBytes(period * kMaskBlock, period);
+            for (size_t count : {0, 1, 63, 64, 65, 191, 192, 193, 400, 1001}) {
+                SCOPE(zlvtest::NameOf(target), period, count);
+                Bytes wanted = zlvtest::RandomBytes(count, count);
+                Bytes got = wanted;
+                for (size_t i = 0; i < count; ++i) {
+                    const u8 mask = masks[i % masks.size()];
+                    wanted[i] = u8((wanted[i] & ~mask) | (entries[wanted[i]] & mask));
+                }
+                Kernels<TablePassKernels>().mapSteps(got.data(), count, table, masks.data(), period);
                 EXPECT_EQ(got, wanted);
             }
         }

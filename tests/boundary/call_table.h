@@ -42,9 +42,11 @@ struct FlagBit {
 // Where an image finds its numbers: indexes of arguments, -1 for none. Without a stride its rows are dense.
 struct DescribedImage {
     int width = -1, height = -1, channels = -1, stride = -1;
+    std::uint32_t strideBytes = 1;    // what the stride counts
     std::uint32_t fixedChannels = 0;  // when no argument tells the count; 0: the count that the effect is called with
     std::uint32_t sampleBits = 8;
     bool isWritten = false;
+    bool isPaddingWritten = false;  // rows are written whole, that of the last one included
 
     std::uint64_t RowBytes(std::uint64_t pixels, std::uint64_t channelCount) const
     {
@@ -57,6 +59,7 @@ struct DescribedArgument {
     Role role;
     std::uint32_t nullError = 0;  // 0: null is accepted
     Zero zero = Zero::Plain;
+    std::uint32_t zeroError = 0;  // of a refused one
     double minimum = 0, maximum = 0, default_ = 0;
     bool hasMinimum = false, hasMaximum = false;
     bool isOutsideAccepted = false;  // limited or ignored instead of refused
@@ -69,6 +72,7 @@ struct DescribedEffect {
     std::vector<std::uint32_t> channels;
     bool reports;
     bool canCancel;
+    std::uint32_t cancelError;  // 0: a cancel leaves no code
     std::vector<DescribedArgument> arguments;
     std::uint32_t (*call)(const Value* values);
 };

@@ -47,7 +47,8 @@ public:
     {
         for (std::size_t i = 0; i < images_.size(); ++i) {
             for (std::size_t k = 0; k < images_[i]->Size(); ++k) {
-                if (k % layouts_[i].stride >= layouts_[i].row && images_[i]->Data()[k] != kFill) return false;
+                const bool isPadding = !layouts_[i].isPaddingWritten && k % layouts_[i].stride >= layouts_[i].row;
+                if (isPadding && images_[i]->Data()[k] != kFill) return false;
             }
         }
         return true;
@@ -63,7 +64,7 @@ public:
 private:
     struct Layout {
         std::size_t row, stride;  // in bytes
-        bool isWritten;
+        bool isWritten, isPaddingWritten;
     };
 
     const DescribedEffect& effect_;
@@ -99,10 +100,10 @@ private:
     {
         const std::uint32_t count = image.fixedChannels ? image.fixedChannels : channels_;
         const std::size_t row = std::size_t(image.RowBytes(kWidth, count));
-        const std::size_t padding = kPadding * (image.sampleBits + 7) / 8;  // keeps rows aligned to their samples
-        const Layout layout = {row, image.stride >= 0 ? row + padding : row, image.isWritten};
-        if (image.stride >= 0) values[std::size_t(image.stride)].integer = layout.stride;
-        const std::size_t size = (kHeight - 1) * layout.stride + row;
+        const std::size_t padding = kPadding * ((image.sampleBits + 7) / 8);  // keeps rows aligned to their samples
+        const Layout layout = {row, image.stride >= 0 ? row + padding : row, image.isWritten, image.isPaddingWritten};
+        if (image.stride >= 0) values[std::size_t(image.stride)].integer = layout.stride / image.strideBytes;
+        const std::size_t size = (kHeight - 1) * layout.stride + (image.isPaddingWritten ? layout.stride : row);
         images_.push_back(std::make_unique<GuardedBuffer>(size, flush, kFill));
         layouts_.push_back(layout);
         std::uint8_t* const data = images_.back()->Data();
@@ -140,7 +141,7 @@ void ForEachRefusal(const DescribedEffect& effect, std::uint32_t channels, Check
         const DescribedArgument& argument = effect.arguments[i];
         if (argument.nullError) broken(i, "is null", argument.nullError, [](Value& v) { v.pointer = nullptr; });
         if (argument.zero == Zero::Refused) {
-            broken(i, "is zero", ZLV40_ERROR_BAD_ARGUMENT, [](Value& v) { v.integer = 0; });
+            broken(i, "is zero", argument.zeroError, [](Value& v) { v.integer = 0; });
         }
         const auto setTo = [](double number) {
             return [=](Value& v) {

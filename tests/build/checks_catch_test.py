@@ -15,6 +15,8 @@ BAD_TEXTS = (  # what it shows, rule, path, text
     ("the public header stands alone", source_rules.include_arrows, "include/zlv40.h", '#include "platform/types.h"\n'),
     ("an intrinsics header", source_rules.intrinsics, "src/base/a.cpp", "#include <immintrin.h>\n"),
     ("another one", source_rules.intrinsics, "src/base/a.kernels.h", "#include <emmintrin.h>\n"),
+    ("a kernel's header outside kernels", source_rules.kernel_headers, "src/base/a.kernels.h",
+     '#include "base/kernel_vectors.h"\n'),
     ("a builtin", source_rules.intrinsics, "src/base/a.cpp", "void F() { __builtin_ia32_pause(); }\n"),
     ("std::exp", source_rules.mathematics, "src/tone/a.cpp", "double y = std::exp(x);\n"),
     ("the address of std::pow", source_rules.mathematics, "src/tone/a.cpp", "auto f = &std::pow;\n"),
@@ -34,6 +36,9 @@ BAD_TEXTS = (  # what it shows, rule, path, text
 )
 
 GOOD_TEXTS = (
+    ("an intrinsic that kernels share", source_rules.intrinsics, "src/base/kernel_a.h", "__m128i a;\n"),
+    ("and its header in a kernel", source_rules.kernel_headers, "src/tone/a.kernels.cpp",
+     '#include "base/kernel_a.h"\n'),
     ("names in comments", source_rules.mathematics, "src/a.cpp", "// exp(x) and /* log(x) */\n"),
     ("names in texts", source_rules.mathematics, "src/a.cpp", 'const char* t = "pow(x, y)";\n'),
     ("a member of that name", source_rules.mathematics, "src/a.cpp", "error.log(1);\n"),

@@ -88,8 +88,22 @@ def include_arrows(path, text):
             yield f"{line}: {floor} includes {name}"
 
 
+def is_kernel_file(path):
+    """Whether a file is compiled as part of kernels alone: kernel_*.h holds what several of them share."""
+    return path.endswith(".kernels.cpp") or re.fullmatch(r"(?:.*/)?kernel_\w+\.h", path) is not None
+
+
+def kernel_headers(path, text):
+    """What is compiled for one instruction set must not reach the rest of the library."""
+    if is_kernel_file(path):
+        return
+    for line, _, name in includes_of(text):
+        if is_kernel_file(name):
+            yield f"{line}: {name} is for kernel files alone"
+
+
 def intrinsics(path, text):
-    if path.endswith(".kernels.cpp"):
+    if is_kernel_file(path):
         return
     for line, _, name in includes_of(text):
         if _INTRINSICS_HEADER.fullmatch(name):

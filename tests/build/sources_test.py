@@ -34,6 +34,10 @@ class Library(unittest.TestCase):
     def test_intrinsics_stand_in_kernel_files(self):
         self.check(source_rules.intrinsics)
 
+    def test_kernel_headers_stay_in_kernels(self):
+        self.assertIn("src/base/kernel_vectors.h", list(self.files))
+        self.check(source_rules.kernel_headers)
+
     def test_mathematics_comes_through_one_door(self):
         self.check(source_rules.mathematics)
 

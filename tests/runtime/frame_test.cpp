@@ -247,6 +247,38 @@ TEST(ForwardingSpan, MakesRowsOfTheBaseLayerTheEffectsOwn)
     EXPECT_EQ(client.recorder.reports, Rows(3, 3));
 }
 
+// With nobody to tell the base layer has no callback, and need not stop after each row.
+TEST(ForwardingSpan, ForwardsOnlyWhatCanReachTheClient)
+{
+    const struct {
+        const char* shows;
+        FrameKind kind;
+        bool hasClient;
+        u32 nestCount;
+        bool forwards;
+    } rows[] = {
+        {"no client", FrameKind::Full, false, 0, false},
+        {"a client's call", FrameKind::Full, true, 0, true},
+        {"a step", FrameKind::Full, true, 1, false},
+        {"a call that raises nothing", FrameKind::ErrorSlotOnly, true, 0, false},
+        {"the same from within a callback", FrameKind::ErrorSlotOnly, true, 1, true},
+    };
+    for (const auto& row : rows) {
+        SCOPE(row.shows);
+        const Client client;
+        if (!row.hasClient) ZLV40_SetCallback(nullptr, 0);
+        exportedContexts.Get()->nestCount = row.nestCount;
+        InFrame(row.kind, [&](CallFrame& frame) -> u32 {
+            EXPECT_EQ(frame.MayReport(), row.forwards);
+            const ForwardingSpan span(frame);
+            u64 data = 0;
+            EXPECT_EQ(MV40_GetCallback(&data), row.forwards ? ZLVForwardProgress : nullptr);
+            return 1;
+        });
+        exportedContexts.Get()->nestCount = 0;
+    }
+}
+
 TEST(ForwardingSpan, WithoutOneABaseFunctionIsSilent)
 {
     Client client;
