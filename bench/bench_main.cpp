@@ -110,7 +110,7 @@ void RunWork(benchmark::State& state, const BenchRow& row, const Work& work, Tar
         benchmark::ClobberMemory();
     }
     ChooseTarget();
-    Count(state, row.shape.Pixels(), row.shape.Bytes());
+    Count(state, row.resultPixels ? row.resultPixels : row.shape.Pixels(), row.shape.Bytes());
     state.SetLabel(label);
 }
 
@@ -156,7 +156,7 @@ int Main(int argc, char** argv)
     u32 count = 0;
     std::set<size_t> copies;
     const auto families = {
-        BaseRows, FilterRows, GaussianRows, OverlayRows, PaletteRows, PolygonRows, ToneRows, WindowRows,
+        BaseRows, FilterRows, GaussianRows, OverlayRows, PaletteRows, PolygonRows, ResizeRows, ToneRows, WindowRows,
     };
     for (const auto rowsOfFamily : families) {
         for (const BenchRow& row : rowsOfFamily()) {

@@ -47,6 +47,7 @@ struct BenchRow {
     size_t outputBytes;
     Work ours;
     Peer peer = {};
+    size_t resultPixels = 0;  // what a time is divided by, where the result has other pixels than the image
 };
 
 std::vector<BenchRow> BaseRows();
@@ -55,6 +56,7 @@ std::vector<BenchRow> GaussianRows();
 std::vector<BenchRow> OverlayRows();
 std::vector<BenchRow> PaletteRows();
 std::vector<BenchRow> PolygonRows();
+std::vector<BenchRow> ResizeRows();
 std::vector<BenchRow> ToneRows();
 std::vector<BenchRow> WindowRows();
 

@@ -72,5 +72,6 @@ std::vector<GoldenRow> HistogramGolden();
 std::vector<GoldenRow> OverlayGolden();
 std::vector<GoldenRow> PaletteGolden();
 std::vector<GoldenRow> PolygonGolden();
+std::vector<GoldenRow> ResizeGolden();
 
 }  // namespace zlvtest

@@ -25,6 +25,7 @@ std::vector<GoldenRow> AllRows()
     add(OverlayGolden());
     add(PaletteGolden());
     add(PolygonGolden());
+    add(ResizeGolden());
 #endif
     return rows;
 }
