@@ -33,9 +33,10 @@ struct Peer {
 struct Shape {
     u32 width, height, channels;
     u32 bytesPerSample = 1;
+    u32 samplesPerByte = 1;  // 8 in a 1-bit image, whose rows are whole bytes
 
     size_t Pixels() const { return size_t(width) * height; }
-    size_t Bytes() const { return Pixels() * channels * bytesPerSample; }
+    size_t Bytes() const { return Pixels() * channels * bytesPerSample / samplesPerByte; }
 };
 
 inline constexpr u32 kFullWidth = 1920;
@@ -53,6 +54,7 @@ struct BenchRow {
 std::vector<BenchRow> BaseRows();
 std::vector<BenchRow> FilterRows();
 std::vector<BenchRow> GaussianRows();
+std::vector<BenchRow> MedianRows();
 std::vector<BenchRow> OverlayRows();
 std::vector<BenchRow> PaletteRows();
 std::vector<BenchRow> PolygonRows();

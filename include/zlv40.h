@@ -59,7 +59,9 @@ enum ZLV40_Flag {
     ZLV40_PROTECT_ALPHA = 1, /* leaves channel 3 alone */
     ZLV40_BGR = 1,           /* blue comes first and red third */
     ZLV40_ALPHA_FIRST = 1,   /* channel 0 is alpha, the first colour's place is channel 3 */
-    ZLV40_MASK_255 = 2       /* marks are 255 instead of 1 */
+    ZLV40_MASK_255 = 2,      /* marks are 255 instead of 1 */
+    ZLV40_PAD_LEFT = 1,      /* the first column stands for those before the image */
+    ZLV40_PAD_RIGHT = 2      /* the last column stands for those behind it */
 };
 
 /* Formulas of ZLV40_ContrastMaskImage. */
@@ -407,6 +409,89 @@ ZLV40_API uint32_t ZLV40_SharpenImage(const uint8_t* src, uint32_t width, uint32
 ZLV40_API uint32_t ZLV40_BlurImage(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst,
                                    uint32_t bytesPerPixel, uint32_t srcRowStride, uint32_t dstRowStride,
                                    int32_t filterSize, double amount, uint32_t channelMask);
+
+/* Medians. Four functions write the median of a square window around each pixel, channel by channel, into a second
+ * image; two of them only where the pixel's own sample stands out from it. Above and below the image its first and last
+ * row stand for what is missing. The time they take does not depend on the size of windows above 5 x 5.
+ *   src            height rows of width pixels, 8 bits a sample, interleaved; not NULL, only read
+ *   width          pixels a row, 1 or more
+ *   height         rows, 1 or more
+ *   dst            the result, with as many rows and pixels; not NULL, not src, and without a pixel of its memory
+ *   bytesPerPixel, channels
+ *                  samples a pixel: 1 to 8, in the _O1 forms 1 to 4
+ *   srcRowStride   bytes from one row of src to the next, >= width * bytesPerPixel
+ *   dstRowStride   bytes from one row of dst to the next, >= width * bytesPerPixel; padding is not touched
+ *   filterSize     edge of the window in pixels; see the functions
+ *   threshold      a sample that differs from its median by at most this much is neither dust nor scratch: it stays as
+ *                  it is. Limited to 255. 0 makes the filter a plain median, whatever the amount is
+ *   amount         how far other samples move to their median: 0.0 not at all, 1.0 all the way. Limited to that range;
+ *                  refused when it is no number, unless threshold is 0. It becomes w = amount * 255 truncated, and a
+ *                  sample v with the median m becomes v + ((m - v) * w + 128) / 255, truncated towards zero: a
+ *                  sample above its median moves less far than one below it, at 1.0 to one level above the median
+ *   channelMask    bit c selects channel c; a channel that is not selected is not written, and bits beyond the
+ *                  channels are ignored
+ * They return 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written), ZLV40_ERROR_OUT_OF_MEMORY (nothing is
+ * written) or, where they report, ZLV40_ERROR_CANCELLED. They work on the calling thread.
+ *
+ * The running median (ZLV40_MedianFilterImage, ZLV40_DustAndScratches). To the left and right of the image its first
+ * and last column stand for what is missing, so a window may be larger than the image. A filterSize below 1 counts as
+ * 1, an even one grows by 1, one above 46339 is refused. The median follows its window along a row and settles one
+ * level below the top: where it is 255, the result is 254, but for rows that start with a median of 255, which keep
+ * it as far as their medians are all 255. Reports (channel, bytesPerPixel) after each selected channel; can be
+ * cancelled, channels done so far stay changed.
+ *
+ * The median in constant time (_O1). Every channel is filtered. A window has (filterSize - 1) / 2 columns and rows on
+ * either side of its pixel, truncated: 4 is a window of 3. It must have one at least and 127 at most, and fit into the
+ * image; a row stride of 0 is refused. Never reports progress and can't be cancelled.
+ *   padFlags  0, or ZLV40_PAD_LEFT, ZLV40_PAD_RIGHT or both: the first, the last column stand for what is missing
+ *             there. Without them the first, the last (filterSize - 1) / 2 columns of dst are not written. Other bits
+ *             are ignored
+ * Sources: T. S. Huang, G. J. Yang, G. Y. Tang, IEEE Transactions on Acoustics, Speech, and Signal Processing 27
+ * (1979); S. Perreault, P. Hebert, IEEE Transactions on Image Processing 16 (2007). */
+
+/* Writes the running median. For the rest see "Medians". */
+#define ZLV40_MedianFilterImage _ZLV40_MedianFilterImage
+ZLV40_API uint32_t ZLV40_MedianFilterImage(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst,
+                                           uint32_t bytesPerPixel, uint32_t srcRowStride, uint32_t dstRowStride,
+                                           int32_t filterSize, uint32_t channelMask);
+
+/* Moves samples that stand out to the running median. An amount that comes to w = 0 leaves all samples as they are.
+ * For the rest see "Medians". */
+#define ZLV40_DustAndScratches _ZLV40_DustAndScratches
+ZLV40_API uint32_t ZLV40_DustAndScratches(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst,
+                                          uint32_t bytesPerPixel, uint32_t srcRowStride, uint32_t dstRowStride,
+                                          int32_t filterSize, uint32_t threshold, double amount, uint32_t channelMask);
+
+/* Writes the median in constant time. For the rest see "Medians". */
+#define ZLV40_MedianFilterImage_O1 _ZLV40_MedianFilterImage_O1
+ZLV40_API uint32_t ZLV40_MedianFilterImage_O1(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst,
+                                              uint32_t channels, uint32_t srcRowStride, uint32_t dstRowStride,
+                                              int32_t filterSize, uint32_t padFlags);
+
+/* Moves samples that stand out to the median in constant time. An amount that comes to w = 0 writes the plain median.
+ * For the rest see "Medians". */
+#define ZLV40_DustAndScratches_O1 _ZLV40_DustAndScratches_O1
+ZLV40_API uint32_t ZLV40_DustAndScratches_O1(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst,
+                                             uint32_t channels, uint32_t srcRowStride, uint32_t dstRowStride,
+                                             int32_t filterSize, uint32_t threshold, double amount, uint32_t padFlags);
+
+/* Writes the median of a square window around each pixel of a 1-bit image: a bit is set when more than half of its
+ * window is. Beyond its edges the image repeats its border pixels without limit, so a window may be larger than the
+ * image. The time it takes does not depend on the size of windows above 5 x 5.
+ *   src           height rows of width pixels, 8 in a byte, the leftmost in the highest bit; not NULL, only read
+ *   width         pixels a row, 1 or more
+ *   height        rows, 1 or more
+ *   srcRowStride  bytes from one row of src to the next, >= (width + 7) / 8
+ *   dst           the result, with as many rows and pixels; not NULL, not src, and without a pixel of its memory. The
+ *                 bits behind a row's last pixel are not touched
+ *   dstRowStride  bytes from one row of dst to the next, >= (width + 7) / 8; padding is not touched
+ *   filterSize    edge of the window in pixels, odd: an even size grows by 1, one above 46339 is refused
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written), ZLV40_ERROR_OUT_OF_MEMORY (nothing is written) or
+ * ZLV40_ERROR_CANCELLED. Reports (row, height) after each row; can be cancelled, rows done so far stay changed. Works
+ * on the calling thread. */
+#define ZLV40_MedianFilter1Bit _ZLV40_MedianFilter1Bit
+ZLV40_API uint32_t ZLV40_MedianFilter1Bit(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcRowStride,
+                                          uint8_t* dst, uint32_t dstRowStride, uint32_t filterSize);
 
 #ifdef __cplusplus
 }
