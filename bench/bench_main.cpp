@@ -156,7 +156,7 @@ int Main(int argc, char** argv)
     u32 count = 0;
     std::set<size_t> copies;
     const auto families = {
-        BaseRows,    FilterRows,  GaussianRows, MedianRows, OverlayRows,
+        BaseRows,    FilterRows,  GaussianRows, MedianRows, NoiseRows,  OverlayRows,
         PaletteRows, PolygonRows, ResizeRows,   ToneRows,   WindowRows,
     };
     for (const auto rowsOfFamily : families) {

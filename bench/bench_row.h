@@ -55,6 +55,7 @@ std::vector<BenchRow> BaseRows();
 std::vector<BenchRow> FilterRows();
 std::vector<BenchRow> GaussianRows();
 std::vector<BenchRow> MedianRows();
+std::vector<BenchRow> NoiseRows();
 std::vector<BenchRow> OverlayRows();
 std::vector<BenchRow> PaletteRows();
 std::vector<BenchRow> PolygonRows();

@@ -492,6 +492,91 @@ ZLV40_API uint32_t ZLV40_DustAndScratches_O1(const uint8_t* src, uint32_t width,
 #define ZLV40_MedianFilter1Bit _ZLV40_MedianFilter1Bit
 ZLV40_API uint32_t ZLV40_MedianFilter1Bit(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcRowStride,
                                           uint8_t* dst, uint32_t dstRowStride, uint32_t filterSize);
+/* ---- Noise and motion --------------------------------------------------------------------------------------- */
+
+/* What ZLV40_MotionBlur walks along. Any other value is linear too. */
+enum ZLV40_MotionMode {
+    ZLV40_MOTION_LINEAR = 0,
+    ZLV40_MOTION_SPIN = 1, /* arcs around the image's centre */
+    ZLV40_MOTION_ZOOM = 2  /* rays towards the image's centre */
+};
+
+enum { ZLV40_MOST_MOTION_STEPS = 8421504 /* on an arc or a ray: the sum of so many samples fits 32 bits */ };
+
+/* Blurs an image along a path: every sample becomes the mean of samples of its channel on a walk that begins at it.
+ *   src            height rows of width pixels, 8 bits a sample, interleaved; not NULL, only read
+ *   width          pixels a row, 1 or more
+ *   height         rows, 1 or more
+ *   srcRowStride   bytes from one row of src to the next
+ *   dst            receives an image of the same shape; not NULL; must not overlap src
+ *   dstRowStride   bytes from one row of dst to the next; padding is not touched
+ *   bytesPerPixel  channels, 1 or more; all of them are blurred
+ *   angle          degrees, of a linear walk: 0 goes down, 90 to the right; not looked at in the other modes
+ *   amount         how far a step goes: pixels of a linear walk; in spin mode 1 / (10 pi) radians; in zoom mode
+ *                  percent of the distance to the centre
+ *   steps          samples on a walk at most; with 0 or less src is copied. Linear walks may be as long as they like,
+ *                  the others have at most ZLV40_MOST_MOTION_STEPS
+ *   mode           a ZLV40_MotionMode
+ * The centre is the pixel (width / 2, height / 2). Step 0 is the pixel itself. Step i lies i * amount * (sin(angle),
+ * cos(angle)) from it; or is it rotated by (i - steps / 2) * amount / pi / 10 around the centre (steps / 2 in whole
+ * numbers); or has 1 - i * amount / 100 of its distance to the centre. Positions are truncated to pixels. A walk ends
+ * where it leaves the image: at the edges fewer samples are averaged, and none is repeated. The mean is truncated.
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written; so too when two steps or more are to be walked by
+ * an angle or amount that is not finite) or ZLV40_ERROR_CANCELLED.
+ * Progress once a row; can be cancelled, rows done so far stay written. Works on the calling thread. */
+#define ZLV40_MotionBlur _ZLV40_MotionBlur
+ZLV40_API uint32_t ZLV40_MotionBlur(const uint8_t* src, int32_t width, int32_t height, uint32_t srcRowStride,
+                                    uint8_t* dst, uint32_t dstRowStride, uint32_t bytesPerPixel, double angle,
+                                    double amount, int32_t steps, int32_t mode);
+
+/* Adds Gaussian noise to an image, in place.
+ *   image          height rows of width pixels, 8 bits a sample, interleaved; not NULL
+ *   width          pixels a row, 1 or more
+ *   height         rows, 1 or more
+ *   bytesPerPixel  channels, 1 to 8
+ *   rowStride      bytes from one row to the next; padding is not touched
+ *   variance       of the noise, in squared levels: 0 to 1e307; with 0 the mean alone is added
+ *   mean           of the noise, in levels; finite
+ *   monochrome     0 draws a value for each selected sample of a pixel, channel 0 first; otherwise one is drawn for
+ *                  each pixel and added to all its selected samples, even if none is
+ *   channelMask    bit c selects channel c; the others are left alone
+ * A sample v becomes v + noise, truncated and limited to 0..255. A value takes two draws U1, U2 of the random
+ * generator: it is cos(t) * r + mean with r = sqrt(-2 * variance * ln(1 - U1 / 32767.1)) and t = U2 * 0.00019175345 -
+ * pi.
+ * The random generator is the calling thread's own: it starts from 1 with the thread, goes on from call to call, and
+ * gives the same draws on every thread. state = state * 214013 + 2531011; a draw is bits 16 to 30 of it.
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written) or ZLV40_ERROR_CANCELLED.
+ * Progress once a row; can be cancelled, rows done so far stay changed. Works on the calling thread.
+ * Source: G. E. P. Box, M. E. Muller, "A note on the generation of random normal deviates", Ann. Math. Statist. 29
+ * (1958). */
+#define ZLV40_AddGaussianNoise _ZLV40_AddGaussianNoise
+ZLV40_API uint32_t ZLV40_AddGaussianNoise(uint8_t* image, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
+                                          uint32_t rowStride, double variance, double mean, int32_t monochrome,
+                                          uint32_t channelMask);
+
+/* Adds uniform noise to an image, in place. Arguments, errors, progress and draws as with ZLV40_AddGaussianNoise, but a
+ * value takes one draw U: it is U * (s * 0.0001057192) + mean - s * 1.7320508 with s = sqrt(variance). */
+#define ZLV40_AddUniformNoise _ZLV40_AddUniformNoise
+ZLV40_API uint32_t ZLV40_AddUniformNoise(uint8_t* image, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
+                                         uint32_t rowStride, double variance, double mean, int32_t monochrome,
+                                         uint32_t channelMask);
+
+/* Adds negative exponential noise to an image, in place: it only brightens. Arguments, errors, progress and draws as
+ * with ZLV40_AddGaussianNoise, without a mean; with a variance of 0 nothing is added. A value takes two draws: it is
+ * r * r with r = sqrt(-2 * s * ln(1 - U1 / 32767.1)) and s = sqrt(variance / 2), computed as the sum of the squares of
+ * r * cos(t) and r * sin(t) with t = U2 * 0.00019175345 - pi. */
+#define ZLV40_AddNegativeExpNoise _ZLV40_AddNegativeExpNoise
+ZLV40_API uint32_t ZLV40_AddNegativeExpNoise(uint8_t* image, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
+                                             uint32_t rowStride, double variance, int32_t monochrome,
+                                             uint32_t channelMask);
+
+/* Adds Rayleigh noise to an image, in place: it only brightens. Arguments, errors, progress and draws as with
+ * ZLV40_AddGaussianNoise, without a mean; with a variance of 0 nothing is added. A value takes one draw U: it is
+ * sqrt(-2 * 2.3299 * variance * ln(1 - U / 32767.1)). */
+#define ZLV40_AddRayleighNoise _ZLV40_AddRayleighNoise
+ZLV40_API uint32_t ZLV40_AddRayleighNoise(uint8_t* image, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
+                                          uint32_t rowStride, double variance, int32_t monochrome,
+                                          uint32_t channelMask);
 
 #ifdef __cplusplus
 }

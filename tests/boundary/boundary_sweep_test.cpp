@@ -2,6 +2,8 @@
 #include "boundary/described_call.h"
 #include "support/progress_recorder.h"
 
+#include <thread>
+
 namespace zlvtest {
 namespace {
 
@@ -80,12 +82,14 @@ TEST(BoundarySweep, AClientThatCancelsStopsWhatCanBeCancelled)
     });
 }
 
+// On fresh threads: the random generator is the thread's own and starts with it.
 TEST(BoundarySweep, TheSameInputGivesTheSameBytes)
 {
     ForEachEffect([](const DescribedEffect& effect, std::uint32_t channels) {
         const DescribedCall first(effect, channels, Flush::ToStart), second(effect, channels, Flush::ToEnd);
-        EXPECT_EQ(first.Run(), 1u);
-        EXPECT_EQ(second.Run(), 1u);
+        for (const DescribedCall* call : {&first, &second}) {
+            std::thread([&] { EXPECT_EQ(call->Run(), 1u); }).join();
+        }
         EXPECT_EQ(first.Pixels(), second.Pixels());
     });
 }

@@ -46,6 +46,31 @@ TEST(Random, StartsAnewOnEveryThread)
     }
 }
 
+TEST(Random, AJumpIsAsManyDraws)
+{
+    u32 state = 12345;
+    for (u64 draws = 0; draws < 1000; ++draws) {
+        ASSERT_EQ(JumpOf(draws).From(12345), state) << draws;
+        state = state * 214013u + 2531011u;
+    }
+}
+
+// The generator goes through all 2^32 states before it comes back.
+TEST(Random, AJumpOverThePeriodLeadsBack)
+{
+    for (const u32 state : {0u, 1u, 0xFFFFFFFFu}) {
+        EXPECT_EQ(JumpOf(u64(1) << 32).From(state), state);
+        EXPECT_EQ(JumpOf((u64(1) << 32) + 3).From(state), JumpOf(3).From(state));
+        EXPECT_NE(JumpOf(u64(1) << 31).From(state), state);
+    }
+}
+
+TEST(Random, JumpsFollowEachOther)
+{
+    const RandomJump jump = JumpOf(1000).Then(JumpOf(77));
+    EXPECT_EQ(jump.From(5), JumpOf(1077).From(5));
+}
+
 TEST(Random, CanBeSeeded)
 {
     std::thread([] {
