@@ -52,6 +52,7 @@ struct BenchRow {
 };
 
 std::vector<BenchRow> BaseRows();
+std::vector<BenchRow> EdgesRows();
 std::vector<BenchRow> FilterRows();
 std::vector<BenchRow> GaussianRows();
 std::vector<BenchRow> MedianRows();

@@ -61,7 +61,14 @@ enum ZLV40_Flag {
     ZLV40_ALPHA_FIRST = 1,   /* channel 0 is alpha, the first colour's place is channel 3 */
     ZLV40_MASK_255 = 2,      /* marks are 255 instead of 1 */
     ZLV40_PAD_LEFT = 1,      /* the first column stands for those before the image */
-    ZLV40_PAD_RIGHT = 2      /* the last column stands for those behind it */
+    ZLV40_PAD_RIGHT = 2,     /* the last column stands for those behind it */
+    ZLV40_SEPARABLE = 256,   /* in two passes, along rows and down columns */
+    ZLV40_COMBINED = 256,    /* one result for the first three channels */
+    ZLV40_WORKER_THREADS = 524288,
+    ZLV40_COLUMN_LEFT = 1048576,  /* the image goes on to the left */
+    ZLV40_COLUMN_RIGHT = 2097152, /* the image goes on to the right */
+    ZLV40_ROWS_ABOVE = 4194304,   /* the image goes on above its first row */
+    ZLV40_ROWS_BELOW = 8388608    /* the image goes on below its last row */
 };
 
 /* Formulas of ZLV40_ContrastMaskImage. */
@@ -71,6 +78,14 @@ enum ZLV40_ContrastMaskMode { ZLV40_CONTRAST_MASK_SOFT_LIGHT = 0, ZLV40_CONTRAST
 enum ZLV40_MatchMode {
     ZLV40_MATCH_UP_TO_BORDER = 0, /* over what does not match the border colour */
     ZLV40_MATCH_SEED = 1          /* over what matches the seed's colour */
+};
+
+/* How weights fall with a distance. */
+enum ZLV40_WeightKind {
+    ZLV40_WEIGHTS_GAUSSIAN = 0, /* so does any value that is not listed */
+    ZLV40_WEIGHTS_LINEAR = 1,
+    ZLV40_WEIGHTS_COSINE = 2,
+    ZLV40_WEIGHTS_BOX = 3
 };
 
 enum { ZLV40_VERSION_BYTES = 20 /* what ZLV40_GetLibVersion writes */ };
@@ -577,6 +592,88 @@ ZLV40_API uint32_t ZLV40_AddNegativeExpNoise(uint8_t* image, uint32_t width, uin
 ZLV40_API uint32_t ZLV40_AddRayleighNoise(uint8_t* image, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
                                           uint32_t rowStride, double variance, int32_t monochrome,
                                           uint32_t channelMask);
+/* ---- Edges and bilateral smoothing -------------------------------------------------------------------------- */
+
+/* Smooths an image and keeps its edges: every sample becomes an average of the samples in a window around it, weighted
+ * by their distance and by their difference from it (C. Tomasi and R. Manduchi, Bilateral Filtering for Gray and Color
+ * Images, 1998). Channels are filtered one by one. The weight of a sample at distance d that differs by r levels is
+ * w(d) * w(r); that of the sample itself counts twenty times. A sample without any weights stays as it is.
+ *   src            height rows of width pixels, 8 bits a sample, interleaved; not NULL; not changed
+ *   width, height  of both images, 1 or more
+ *   srcRowStride   bytes from one row of src to the next, >= width * bytesPerPixel; not 0
+ *   bytesPerPixel  channels, 1..8
+ *   dst            an image of the same shape, not NULL; may be src. Samples of channels that are not selected and
+ *                  padding are not touched
+ *   dstRowStride   bytes from one row of dst to the next, >= width * bytesPerPixel; not 0
+ *   filterSize     edge of the window in pixels, 1 up to the image's smaller side; even sizes grow by 1
+ *   weightKind     w(d): ZLV40_WEIGHTS_LINEAR 1 - d / sigma, ZLV40_WEIGHTS_COSINE cos(pi * d / (2 * sigma)),
+ *                  ZLV40_WEIGHTS_BOX 1 / sigma, all three 0 for d above sigma; any other value
+ *                  exp(-d * d / (2 * sigma * sigma))
+ *   sigma          of both weights, in pixels and in levels; not 0, not NaN, and not so small or so large that sums of
+ *                  weights overflow
+ *   flags          bits 0..7 select channels; and
+ *                  ZLV40_SEPARABLE averages over filterSize samples of each row, and over filterSize of these averages
+ *                  down each column. Otherwise the window is square and lacks its last row and its last column: it has
+ *                  filterSize - 1 of each, from filterSize / 2 above and left of the sample on
+ *                  ZLV40_WORKER_THREADS filters each selected channel on a thread of its own; without progress
+ *                  ZLV40_ROWS_ABOVE, ZLV40_ROWS_BELOW promise filterSize / 2 more rows above or below src: windows are
+ *                  not cut off there. For the square window without threads; others ignore them
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written), ZLV40_ERROR_OUT_OF_MEMORY or
+ * ZLV40_ERROR_CANCELLED. When a thread can't be started nothing is written, and the result is 1 all the same.
+ * Progress once a row as (row, height), for each selected channel again; with ZLV40_SEPARABLE once a selected channel
+ * as (channel, bytesPerPixel); with ZLV40_WORKER_THREADS none. Can be cancelled where it reports; what is done stays.
+ * Works on the calling thread, or with ZLV40_WORKER_THREADS on threads that end before it returns. */
+#define ZLV40_BilateralFilterImage _ZLV40_BilateralFilterImage
+ZLV40_API uint32_t ZLV40_BilateralFilterImage(const uint8_t* src, uint32_t width, uint32_t height,
+                                              uint32_t srcRowStride, uint32_t bytesPerPixel, uint8_t* dst,
+                                              uint32_t dstRowStride, uint32_t filterSize, uint32_t weightKind,
+                                              double sigma, uint32_t flags);
+
+/* Writes gradient magnitudes: |gx| + |gy| of the Sobel operator, 0..2040. Outside the image its edge samples repeat.
+ *   src            height rows of width pixels, 8 bits a sample, interleaved; not NULL; not changed
+ *   width, height  2 or more
+ *   bytesPerPixel  channels, 1..32; 3 or 4 with ZLV40_COMBINED. With ZLV40_WORKER_THREADS too it is not looked at:
+ *                  pixels have 3 bytes then
+ *   srcRowStride   bytes from one row of src to the next, >= width * bytesPerPixel; not 0
+ *   dst            height rows of 16-bit magnitudes, one for each sample of src, or one a pixel with ZLV40_COMBINED;
+ *                  not NULL. Magnitudes of channels that are not selected and padding are not touched
+ *   dstRowStride   16-bit magnitudes from one row of dst to the next; not 0
+ *   flags          bits 0..7 select channels, without ZLV40_COMBINED; or
+ *                  ZLV40_COMBINED writes the mean of the first three channels' magnitudes, truncated. With it:
+ *                  ZLV40_WORKER_THREADS works on four threads, each with a quarter of the rows
+ *                  ZLV40_COLUMN_LEFT, ZLV40_COLUMN_RIGHT, ZLV40_ROWS_ABOVE, ZLV40_ROWS_BELOW promise one more column or
+ *                  row of src on that side, which takes the place of the repeated edge (and the side behind it may be
+ *                  1); ignored with threads
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written), ZLV40_ERROR_OUT_OF_MEMORY or
+ * ZLV40_ERROR_CANCELLED. With ZLV40_COMBINED and ZLV40_WORKER_THREADS the result is the other way round: 0 for success,
+ * otherwise the code itself, and the last error stays what it was; when a thread can't be started nothing is written,
+ * and the result is 0 all the same.
+ * Progress once a row, but none from threads. Can be cancelled where it reports; rows done so far stay. */
+#define ZLV40_SobelFilter _ZLV40_SobelFilter
+ZLV40_API uint32_t ZLV40_SobelFilter(const uint8_t* src, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
+                                     uint32_t srcRowStride, uint16_t* dst, uint32_t dstRowStride, uint32_t flags);
+
+/* Draws the edges of a gray image: 0 on an edge, 255 elsewhere (J. Canny, A Computational Approach to Edge Detection,
+ * 1986). The image is blurred; pixels whose gradient is a ridge are possible edges, but for the first row and column
+ * and the last two of each. Possible edges of a high magnitude are edges, and so are those above a low one that touch
+ * an edge, beginning with the neighbours of the pixel to the right of the first one.
+ *   src            height rows of width samples of 8 bits; not NULL; not changed
+ *   width, height  of both images; below 4 there is nothing but 255
+ *   srcRowStride   bytes from one row of src to the next, >= width; not 0
+ *   dst            height rows of width samples; not NULL; may be src. Padding is not touched
+ *   dstRowStride   bytes from one row of dst to the next, >= width; not 0
+ *   sigma          of the blur in pixels, above 0 (as a 32-bit float its square too), up to 3.3 million
+ *   lowFraction    of the high magnitude, for the low one; 0 or more. 0 lets every possible edge join
+ *   highFraction   of the possible edges, so many lie under the high magnitude; 0 or more, 1 for all of them
+ *   All three are narrowed to 32-bit floats.
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written), ZLV40_ERROR_OUT_OF_MEMORY (nothing is written;
+ * also when width or height is 0) or ZLV40_ERROR_CANCELLED.
+ * Progress after each of five stages, as (1..5, 5); the first four are done at the same time. Can be cancelled: after
+ * the fifth dst is written, before it is not. Works on the calling thread. */
+#define ZLV40_CannyEdgeDetector _ZLV40_CannyEdgeDetector
+ZLV40_API uint32_t ZLV40_CannyEdgeDetector(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcRowStride,
+                                           uint8_t* dst, uint32_t dstRowStride, double sigma, double lowFraction,
+                                           double highFraction);
 
 #ifdef __cplusplus
 }

@@ -25,7 +25,7 @@ def sample_bits(argument):
 
 def stride_bytes(export, place):
     """How many bytes a stride counts."""
-    return 8 if place >= 0 and export.arguments[place].facts.get("unit") == "doubles" else 1
+    return {"words": 2, "doubles": 8}.get(export.arguments[place].facts.get("unit"), 1) if place >= 0 else 1
 
 
 def image_shape(export, image):
@@ -68,6 +68,9 @@ def argument_row(export, argument):
     flags = "".join(f"{{{flag['value']}u, {{{', '.join(str(c) for c in flag.get('channels', []))}}}}}, "
                     for flag in facts.get("flags", []))
     parts.append(f".flags = {{{flags.rstrip(', ')}}}")
+    unswept = sum(flag["value"] for flag in facts.get("flags", []) if not flag.get("sweeps", True))
+    if unswept:
+        parts.append(f".unsweptFlags = {unswept}u")
     if argument.role == "image":
         parts.append(f".image = {image_shape(export, argument)}")
     return "        {" + ", ".join(parts) + "},"

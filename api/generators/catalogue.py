@@ -15,6 +15,7 @@ REALS = ("f32", "f64")
 OF_THE_COMMAND = {"help", "jobs", "output", "quality", "format", "quiet", "progress", "version"}
 CHANNELS_OF_PICTURES = (1, 2, 3, 4)
 LONGEST_LITERAL = 2000
+MASK_OF_FLAGS, MASK_ABOUT = "channel-mask", "bit c selects channel c"
 
 
 def dashed(name):
@@ -35,10 +36,12 @@ def ranged_number(facts, argument, where):
 
 def switches(argument, where):
     """A flags argument becomes one switch a bit."""
-    default = argument.facts.get("default", 0)
+    default = argument.facts.get("default", 0) & ~argument.facts.get("mask", 0)
     if default & ~sum(flag["value"] for flag in argument.facts.get("flags", [])):
         description.fail(where, "the default has bits that no flag names")
     for flag in argument.facts.get("flags", []):
+        if "option" not in flag and not flag.get("sweeps", True):
+            continue
         if "option" not in flag:
             description.fail(where, f"{flag['name']} needs an option")
         yield {"name": flag["option"], "argument": argument.name, "kind": "switch", "about": flag["about"],
@@ -69,13 +72,22 @@ def parameters_of_argument(argument, where):
     yield parameter | {"about": facts.get("about", "")}
 
 
+def slots_of(argument):
+    """How many values of a call an argument is made of: a flags argument with a mask has two."""
+    return (argument.role in VALUE_ROLES) + (argument.role == "flags" and "mask" in argument.facts)
+
+
 def parameters_of(export):
-    """All parameters of an export, each with the slot of the argument that it sets."""
-    found = []
-    slots = [argument for argument in export.arguments if argument.role in VALUE_ROLES]
-    for slot, argument in enumerate(slots):
-        for parameter in parameters_of_argument(argument, f"{export.family}, {export.name}, {argument.name}"):
-            found.append((slot, parameter))
+    """All parameters of an export, each with the slot that it sets."""
+    found, slot = [], 0
+    for argument in export.arguments:
+        if slots_of(argument) == 2:
+            found.append((slot + 1, {"name": MASK_OF_FLAGS, "argument": argument.name, "kind": "mask",
+                                     "default": "all", "about": MASK_ABOUT}))
+        if slots_of(argument):
+            for parameter in parameters_of_argument(argument, f"{export.family}, {export.name}, {argument.name}"):
+                found.append((slot, parameter))
+        slot += slots_of(argument)
     names = [parameter["name"] for _, parameter in found]
     for name in names:
         if names.count(name) > 1 or name in OF_THE_COMMAND or name.startswith("no-"):
@@ -120,7 +132,8 @@ def argument_text(argument, images, slot, where):
     if argument.role == "mask":
         return f"static_cast<{argument.c_type}>(call.Mask({slot}))"
     if argument.role in VALUE_ROLES:
-        return f"static_cast<{argument.c_type}>(call.values[{slot}])"
+        text = f"static_cast<{argument.c_type}>(call.values[{slot}])"
+        return f"{text} | call.Mask({slot + 1})" if slots_of(argument) == 2 else text
     if argument.is_pointer and argument.facts["null"] == "allowed":
         return "nullptr"
     return description.fail(where, f"the command cannot pass an argument with the role {argument.role}")
@@ -131,7 +144,7 @@ def call_function(export):
     texts, slot = [], 0
     for argument in export.arguments:
         texts.append(argument_text(argument, images, slot, f"{export.family}, {export.name}, {argument.name}"))
-        slot += argument.role in VALUE_ROLES
+        slot += slots_of(argument)
     head = f"uint32_t Call{export.name.removeprefix('ZLV40_')}(const EffectCall& call)"
     body = ",\n        ".join(texts)
     return f"{head}\n{{\n    return {export.name}(\n        {body});\n}}\n"
@@ -217,7 +230,7 @@ def effect_entry(family, export, found):
         quoted(facts["progress"]), truth(facts["cancel"]), truth(facts["random"]), truth(facts["threads"] == "own"),
         truth(image_called(export, "source")), f"{channel_bits(channels_read(export))}u",
         f"{channel_bits(channels_made(export))}u",
-        sum(argument.role in VALUE_ROLES for argument in export.arguments),
+        sum(slots_of(argument) for argument in export.arguments),
         f"k{stem}Parameters" if found else "{}", f"Call{stem}",
         "\n    " + long_quoted(json.dumps(listing(family, export, found))))
 

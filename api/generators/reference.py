@@ -6,7 +6,8 @@ PROGRESS = {"none": "It never reports progress.", "row": "It reports once a row.
             "channel": "It reports once a channel.", "stage": "It reports once a stage."}
 ACCESS = {"in": "read", "out": "written", "inout": "changed in place"}
 ZERO = {"nothing": "0 is nothing to do"}
-OUTSIDE = {"limited": "others are limited to it", "ignored": "others are ignored"}
+OUTSIDE = {"limited": "others are limited to it", "ignored": "others are ignored",
+           "accepted": "others are accepted"}
 
 
 def cell(text):
@@ -54,6 +55,8 @@ def meaning(argument):
         parts.append(f"an image, {ACCESS[facts['access']]}")
     if "about" in facts:
         parts.append(facts["about"])
+    if argument.role == "flags" and "mask" in facts:
+        parts.append(f"channels ({facts['mask']}): {catalogue.MASK_ABOUT}")
     for flag in facts.get("flags", []):
         parts.append(f"`{flag['name']}` ({flag['value']}): {flag['about']}")
     for choice in facts.get("choices", []):

@@ -3,6 +3,7 @@
 #include "base/gaussian_blur.h"
 #include "base/gaussian_coefficients.h"
 #include "base/gaussian_taps.kernels.h"
+#include "base/inside_entries.h"
 #include "runtime/array.h"
 
 #include <algorithm>
@@ -29,18 +30,6 @@ private:
     MVBuffer<f32> values_;
     size_t width_ = 0;
     u64 capacity_ = 0;
-};
-
-// The entries of the kernel that lie in a line of `length` samples when its middle is at `position`.
-struct InsideEntries {
-    size_t first, count;  // entries of the kernel
-    size_t start;         // the sample under the first of them
-
-    InsideEntries(size_t position, size_t length, size_t radius)
-        : first(position < radius ? radius - position : 0), start(position < radius ? 0 : position - radius)
-    {
-        count = std::min(position + radius, length - 1) - start + 1;
-    }
 };
 
 template <class T>

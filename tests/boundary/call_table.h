@@ -64,6 +64,7 @@ struct DescribedArgument {
     bool hasMinimum = false, hasMaximum = false;
     bool isOutsideAccepted = false;  // limited or ignored instead of refused
     std::vector<FlagBit> flags = {};
+    std::uint32_t unsweptFlags = 0;  // bits with which the call keeps to rules of its own
     DescribedImage image = {};
 };
 

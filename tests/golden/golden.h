@@ -63,6 +63,7 @@ struct GoldenRow {
 // The exports, a file a family; they are also tried on the library that is shipped.
 std::vector<GoldenRow> MedianGolden();
 std::vector<GoldenRow> NoiseGolden();
+std::vector<GoldenRow> EdgesGolden();
 std::vector<GoldenRow> ToneGolden();
 std::vector<GoldenRow> WindowGolden();
 

@@ -17,6 +17,7 @@ std::vector<GoldenRow> AllRows()
     const auto add = [&](std::vector<GoldenRow> more) { rows.insert(rows.end(), more.begin(), more.end()); };
     add(MedianGolden());
     add(NoiseGolden());
+    add(EdgesGolden());
     add(ToneGolden());
     add(WindowGolden());
 #ifdef ZLV_TESTS_SEE_INSIDE

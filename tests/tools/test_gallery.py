@@ -86,7 +86,7 @@ class GalleryTest(CommandTest):
         self.assertEqual(page.find(f".//{HTML}h1").text, "Zo\u00eb & 'co'.png")
 
     def test_a_folder_that_cannot_be_made(self):
-        self.write("photo.png", pattern(4, 4, 3))
+        self.write("photo.png", pattern(16, 16, 3))
         self.write("file", b"x")
         self.refuse(self.run_command("gallery", "photo.png", "file", "-q"), FAILED, "\"file\"")
         self.refuse(self.run_command("gallery", "none.png", "shown", "-q"), FAILED, "none.png")

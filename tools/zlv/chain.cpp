@@ -6,6 +6,7 @@
 #include "values.h"
 #include "zlv40.h"
 
+#include <algorithm>
 #include <chrono>
 #include <optional>
 #include <utility>
@@ -28,7 +29,8 @@ private:
     static uint32_t OnReport(uint32_t current, uint32_t total, uint64_t data) noexcept
     {
         const auto* self = reinterpret_cast<const LibraryProgress*>(static_cast<uintptr_t>(data));
-        if (self->progress_ && total > 0) self->progress_((current + 1.0) / total);
+        // Some effects count their stages from 1.
+        if (self->progress_ && total > 0) self->progress_(std::min(1.0, (current + 1.0) / total));
         return IsInterrupted() ? 0 : 1;
     }
 
