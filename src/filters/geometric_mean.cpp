@@ -26,14 +26,14 @@ public:
     explicit LogLevels(u32 area)
     {
         const f64 unit = area * kOne, logOfTwo = Log(2);
-        // Roundings to integers, then what double precision does to the product: 3.1 parts in 2^53 for each sample of
+        // Truncated integers, then what double precision does to the product: 3.1 parts in 2^53 for each sample of
         // the window, 6 more for all of them; 1.5 times that in its logarithm; and what it does to the logarithms here.
-        band_ = u64(0.501 * area + unit * (5.0 * area + 64) * 0x1p-53) + 1;
+        band_ = u64(1.001 * area + unit * (5.0 * area + 64) * 0x1p-53) + 1;
         logarithms_[0] = 0;
         for (u32 level = 1; level < 256; ++level) {
             const f64 logarithm = Log(level) / logOfTwo;
             firstSums_[level] = u64(unit * logarithm);
-            logarithms_[level] = u64(logarithm * kOne + 0.5);
+            logarithms_[level] = u64(logarithm * kOne);
         }
         firstSums_[256] = ~u64(0) / 2;
         while ((u64(kStepsPerOctave) << (shift_ + 1)) <= u64(unit)) ++shift_;

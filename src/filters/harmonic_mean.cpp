@@ -5,7 +5,7 @@
 // some ten thousand, the sum is made as it is meant.
 #include "base/running_extremes.h"
 #include "filters/doubtful_samples.h"
-#include "filters/ordered_means.kernels.h"
+#include "filters/power_means.kernels.h"
 #include "filters/window_sums.h"
 
 #include "zlv40.h"
@@ -44,7 +44,7 @@ public:
             const size_t count = size_t(call_.src.width) * channels_.Count();
             const u64* const sums = sums_.Next();
             smallest_.Next(smallestRow_.GetData());
-            Kernels<OrderedMeanKernels>().harmonicMeans(sums, call_.Area(), Band(), count, out, isDoubtful_.GetData());
+            Kernels<PowerMeanKernels>().harmonicMeans(sums, call_.Area(), Band(), count, out, isDoubtful_.GetData());
             if (!KeepDoubtOutsideZeros(smallestRow_.GetData(), count, out, isDoubtful_.GetData())) return;
             MakeDoubtfulSamples(isDoubtful_.GetData(), call_.src.width, channels_, out,
                                 [&](size_t, u32 x, u32 channel) { return OrderedMean(x, y, channel); });

@@ -112,7 +112,7 @@ u32 RunLinearMean(CallFrame& frame, const WindowCall& call)
 u32 RunQuadraticMean(CallFrame& frame, const WindowCall& call)
 {
     const auto finish = [&](const u32* sums, size_t count, u8* out) {
-        Kernels<OrderedMeanKernels>().quadraticMeans(sums, call.Area(), count, out);
+        Kernels<PowerMeanKernels>().quadraticMeans(sums, call.Area(), count, out);
     };
     return RunOverRows(frame, call, WholePowerMean(call, SquareCounts(), finish));
 }
@@ -165,7 +165,7 @@ public:
 
     void MakeRow(u32 y)
     {
-        const OrderedMeanKernels& kernels = Kernels<OrderedMeanKernels>();
+        const PowerMeanKernels& kernels = Kernels<PowerMeanKernels>();
         const size_t step = channels_.Count(), count = call_.src.width * step;
         f64* const sums = sums_.GetData();
         f64* const roots = roots_.GetData();

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "base/row_ring.h"
-#include "filters/ordered_means.kernels.h"
+#include "filters/power_means.kernels.h"
 #include "filters/window_filter.h"
 
 namespace zlv {

@@ -1,5 +1,5 @@
 // The kernels that make samples of sums, over the whole of their small domains.
-#include "filters/ordered_means.kernels.h"
+#include "filters/power_means.kernels.h"
 #include "filters/sum_filters.kernels.h"
 
 #include "support/bytes.h"
@@ -67,7 +67,7 @@ TEST(SumFilters, QuadraticMeansForSumsAroundEveryLevel)
                 }
             }
             Bytes got(sums.size());
-            Kernels<OrderedMeanKernels>().quadraticMeans(sums.data(), area, sums.size(), got.data());
+            Kernels<PowerMeanKernels>().quadraticMeans(sums.data(), area, sums.size(), got.data());
             EXPECT_EQ(Difference(wanted.data(), got.data(), got.size()), "");
         }
     }

@@ -1,5 +1,5 @@
-// Means in double precision.
-#include "filters/ordered_means.kernels.h"
+// Harmonic and power means.
+#include "filters/power_means.kernels.h"
 
 #include "base/kernel_vectors.h"
 
@@ -82,7 +82,7 @@ void HarmonicMeans(const u64* __restrict sums, f64 area, f64 band, size_t count,
 
 }  // namespace
 
-extern const OrderedMeanKernels kOrderedMeanKernels;
-const OrderedMeanKernels kOrderedMeanKernels = {OrderedSums, Divide, Truncate, QuadraticMeans, HarmonicMeans};
+extern const PowerMeanKernels kPowerMeanKernels;
+const PowerMeanKernels kPowerMeanKernels = {OrderedSums, Divide, Truncate, QuadraticMeans, HarmonicMeans};
 
 }  // namespace zlv::ZLV_TARGET

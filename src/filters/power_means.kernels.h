@@ -1,5 +1,4 @@
-// Kernels of the means that are made in double precision, where the order of operations decides the last bit. Lanes are
-// samples side by side; each keeps its own order.
+// Kernels of the harmonic and the power means. Lanes are samples side by side; sums of theirs keep their own order.
 #pragma once
 
 #include "platform/types.h"
@@ -13,7 +12,7 @@ inline constexpr size_t kOrderedSlack = 32;
 // The largest window whose sum of squares is a number of 32 bits with a sign.
 inline constexpr u32 kLargestSideOfSquares = 181;
 
-struct OrderedMeanKernels {
+struct PowerMeanKernels {
     // out[i] = the sum over rows, from left to right, of rows[j][i + k * step] for each k from 0 to reach; the first
     // and the last one count 1 + extra times.
     void (*orderedSums)(const f64* const* rows, size_t side, size_t reach, size_t extra, size_t step, size_t count,
@@ -33,6 +32,6 @@ struct OrderedMeanKernels {
     void (*harmonicMeans)(const u64* sums, f64 area, f64 band, size_t count, u8* out, u8* isDoubtful);
 };
 
-ZLV_DECLARE_KERNELS(OrderedMeanKernels, kOrderedMeanKernels);
+ZLV_DECLARE_KERNELS(PowerMeanKernels, kPowerMeanKernels);
 
 }  // namespace zlv
