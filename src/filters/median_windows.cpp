@@ -155,8 +155,9 @@ void SmallMedians::MakeMedians(const u8* const* window, size_t step, size_t coun
 
 bool LargeMedians::Prepare(u32)
 {
-    const size_t tile = std::max<size_t>(kTileColumns, 4 * size_t(job_.half));
-    const size_t held = std::min<size_t>(job_.src.width, tile + 2 * size_t(job_.half));
+    const size_t half = job_.half, width = job_.src.width;
+    const size_t tile = std::min(width, std::max(kTileColumns, 4 * half));
+    const size_t held = std::min(width, tile + 2 * half);
     return counts_.Resize(held * kCountsPerColumn, kColumnAlignment) && medians_.Resize(tile) &&
            (!job_.settlesBelowTop || isAtTop_.Resize(job_.src.height)) && output_.Prepare(1);
 }
