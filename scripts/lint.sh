@@ -1,11 +1,14 @@
 #!/bin/sh
 # Checks the formatting of every C and C++ file, then runs clang-tidy over the library and the tools.
 #   scripts/lint.sh [--all] [word that a file's path must contain]
-# With --all also over the benchmarks, which need packages that the tests do not.
+# With --all also over the benchmarks, which need packages that the tests do not, and over the kernels of every
+# instruction set instead of one.
 cd "$(dirname "$0")/.." || exit 1
 presets=linux
+kernels=avx2
 if [ "${1:-}" = --all ]; then
     presets="linux bench"
+    kernels=
     shift
 fi
 word=${1:-}
@@ -21,7 +24,6 @@ files=$(find $folders -name '*.cpp' -o -name '*.h' -o -name '*.c' | grep -F -- "
 [ -n "$files" ] || { echo "no file to check" >&2; exit 1; }
 echo "$files" | xargs clang-format --dry-run -Werror || failed=1
 
-# Kernel files appear once for each instruction set: all of them are looked at.
 for preset in $presets; do
     mkdir -p "$build/$preset"
     cmake --preset $preset -B "$build/$preset" >"$build/$preset/configure.log" 2>&1 || {
@@ -33,16 +35,20 @@ done
 cmake --build "$build/linux" --target zlv_export_lists -j2 >/dev/null || exit 1
 
 tidy() {
-    sources=$(python3 - "$build/$1/compile_commands.json" "$word" "$PWD" "$2" <<'END'
+    mkdir -p "$build/$1/tidy"
+    sources=$(python3 - "$build/$1" "$word" "$PWD" "$2" "$kernels" <<'END'
 import json, os, sys
-commands, word, root, folders = sys.argv[1:]
-files = {os.path.relpath(entry["file"], root) for entry in json.load(open(commands))}
+build, word, root, folders, kernels = sys.argv[1:]
+commands = [entry for entry in json.load(open(f"{build}/compile_commands.json"))
+            if not kernels or ".kernels." not in entry["file"] or f"ZLV_TARGET_{kernels}" in entry["command"]]
+json.dump(commands, open(f"{build}/tidy/compile_commands.json", "w"))
+files = {os.path.relpath(entry["file"], root) for entry in commands}
 print("\n".join(sorted(f for f in files if f.startswith(tuple(folders.split())) and word in f and f.endswith(".cpp"))))
 END
     )
     [ -z "$sources" ] && { [ -n "$word" ] && return 0; echo "nothing to check in $1" >&2; return 1; }
     echo "$sources" |
-        xargs -P"$(nproc)" -n1 clang-tidy --quiet -p "$build/$1" --extra-arg=-Wno-unknown-warning-option 2>/dev/null
+        xargs -P"$(nproc)" -n1 clang-tidy --quiet -p "$build/$1/tidy" --extra-arg=-Wno-unknown-warning-option 2>/dev/null
 }
 for preset in $presets; do
     if [ $preset = linux ]; then folders="src/ tools/"; else folders="bench/"; fi
