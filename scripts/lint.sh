@@ -48,7 +48,8 @@ END
     )
     [ -z "$sources" ] && { [ -n "$word" ] && return 0; echo "nothing to check in $1" >&2; return 1; }
     echo "$sources" |
-        xargs -P"$(nproc)" -n1 clang-tidy --quiet -p "$build/$1/tidy" --extra-arg=-Wno-unknown-warning-option 2>/dev/null
+        xargs -P"$(nproc)" -n1 clang-tidy --quiet -p "$build/$1/tidy" \
+            --extra-arg=-Wno-unknown-warning-option 2>/dev/null
 }
 for preset in $presets; do
     if [ $preset = linux ]; then folders="src/ tools/"; else folders="bench/"; fi

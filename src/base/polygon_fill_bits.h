@@ -10,8 +10,8 @@ namespace zlv {
 //           byte, a span that goes on beyond the width may write the one bit after the last pixel's
 // A span's last bit is left as it was, unless it is the last one of its byte, or the span begins in the same byte and
 // not with that byte's first bit. Clients rely on it: touching shapes leave the seam alone.
-// Reports (0, spans) after each span, spans outside the image included. Codes as there, and 14 for a cancel: spans drawn
-// so far stay.
+// Reports (0, spans) after each span, spans outside the image included. Codes as there, and 14 for a cancel: spans
+// drawn so far stay.
 ZLV_BASE u32 MV40_PolygonFill1Bit(u8* image, u32 width, u32 height, u32 stride, const f64* points, u32 count,
                                   u32 value);
 

@@ -1,9 +1,9 @@
 // Coverage by counting samples.
 //
 // The polygon is filled at `samples` times the size, in a plane of samples that start at 0 and become 255 or what the
-// opacity makes of that; a pixel's coverage is the mean of its samples. The plane is never there: a span is added to the
-// sums of the pixels that it begins and ends in, which also keep what the pixels from there on have in common. So a row
-// of samples costs its spans and not its width, and a row of pixels is painted in runs.
+// opacity makes of that; a pixel's coverage is the mean of its samples. The plane is never there: a span is added to
+// the sums of the pixels that it begins and ends in, which also keep what the pixels from there on have in common. So a
+// row of samples costs its spans and not its width, and a row of pixels is painted in runs.
 #include "base/polygon_mask.h"
 
 #include "base/polygon_bounds.h"
@@ -195,8 +195,8 @@ private:
         lastColumn_ = kNoColumn;
     }
 
-    // Spans of a row come from left to right; the next one may begin with the sample that the last one ended with, which
-    // is then painted once more.
+    // Spans of a row come from left to right; the next one may begin with the sample that the last one ended with,
+    // which is then painted once more.
     void PaintOnce(u32 left, u32 last)
     {
         if (left == lastColumn_) {

@@ -1,9 +1,9 @@
 // How many rows of a thin pair of crossings hold a pixel centre.
 //
 // Between two powers of two a crossing is a whole number of grid steps, and so is what it goes from row to row. The
-// centres between two crossings less than a pixel apart are one or none: the last column of the right one less the first
-// column of the left one, plus 1. Over many rows that is a difference of two sums of rounded down fractions, which
-// Euclid's algorithm gives in a few steps.
+// centres between two crossings less than a pixel apart are one or none: the last column of the right one less the
+// first column of the left one, plus 1. Over many rows that is a difference of two sums of rounded down fractions,
+// which Euclid's algorithm gives in a few steps.
 #include "base/polygon_pairs.h"
 
 #include "base/repeated_sum.h"

@@ -62,8 +62,8 @@ bool VisitPairs(const ScanConverter& scan, i64 rows, Visit visit)
 }
 
 // Goes through the next `rows` rows of a stretch in pieces: atOnce(rows) deals with some of them and returns true, or
-// says that they differ too much; oneRow() deals with the present row and may end everything by false. Neither moves on.
-// Far fewer calls than rows where rows resemble each other, and where they do not hardly more.
+// says that they differ too much; oneRow() deals with the present row and may end everything by false. Neither moves
+// on. Far fewer calls than rows where rows resemble each other, and where they do not hardly more.
 template <class AtOnce, class OneRow>
 bool ForRowsInPieces(ScanConverter& scan, i64 rows, AtOnce atOnce, OneRow oneRow)
 {

@@ -1,10 +1,10 @@
 // Polygons turned into horizontal spans.
 //
-// A polygon is a list of vertices, x then y, in order around it; it closes from the last one to the first, and it may be
-// concave and cross itself. A row y is sampled at y + 0.5, where the edges' crossings are paired from left to right
-// (the even-odd rule); pixel x belongs to a span when x + 0.5 lies between its two crossings, both included.
-// The active edge method: an edge's crossing is worked out once, where the edge begins, and then grows by the same
-// number from row to row. Those rounded sums are part of the result.
+// A polygon is a list of vertices, x then y, in order around it; it closes from the last one to the first, and it may
+// be concave and cross itself. A row y is sampled at y + 0.5, where the edges' crossings are paired from left to right
+// (the even-odd rule); pixel x belongs to a span when x + 0.5 lies between its two crossings, both included. The active
+// edge method: an edge's crossing is worked out once, where the edge begins, and then grows by the same number from row
+// to row. Those rounded sums are part of the result.
 #pragma once
 
 #include "runtime/array.h"
@@ -52,8 +52,8 @@ inline f64 LastColumn(f64 rightX) { return Floor(rightX - 0.5); }
 //     }
 class ScanConverter {
 public:
-    // Copies `count` vertices and goes to the row where the polygon begins. Code 5 for no vertices and bad coordinates, 1
-    // without memory.
+    // Copies `count` vertices and goes to the row where the polygon begins. Code 5 for no vertices and bad coordinates,
+    // 1 without memory.
     [[nodiscard]] Error Prepare(const f64* points, u32 count, const PolygonMap& map = {});
 
     void Rewind();

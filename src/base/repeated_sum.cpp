@@ -1,7 +1,7 @@
 // In a binade, from a power of two to the next, doubles lie on a grid of constant spacing. On it a rounded sum moves by
 // the same number of grid steps every time; only where the step ends halfway between two grid points does it matter
-// which one x is on, and after one such sum it is an even one for good. So three sums in one binade tell how far all the
-// following ones go, until its end is near.
+// which one x is on, and after one such sum it is an even one for good. So three sums in one binade tell how far all
+// the following ones go, until its end is near.
 #include "base/repeated_sum.h"
 
 #include <algorithm>
@@ -16,7 +16,8 @@ constexpr u64 kMeasuringSums = 3;
 
 u64 BitsOf(f64 x) { return std::bit_cast<u64>(x); }
 
-// How many moves by `move` grid points, a difference of bits, keep off both ends, where sums are rounded to another grid.
+// How many moves by `move` grid points, a difference of bits, keep off both ends, where sums are rounded to another
+// grid.
 u64 MovesLeft(f64 x, i64 move)
 {
     const u64 fraction = BitsOf(x) & kFraction;

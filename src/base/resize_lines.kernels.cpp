@@ -4,7 +4,7 @@
 // where weights that add up to 0 were left as they are.
 #include "base/resize_lines.kernels.h"
 
-#include "base/resize_near_sums.h"
+#include "base/kernel_near_sums.h"
 
 namespace zlv::ZLV_TARGET {
 

@@ -3,7 +3,7 @@
 // Sums keep their written order: the lanes are samples, never parts of a sum.
 #include "base/resize_rows.kernels.h"
 
-#include "base/resize_near_sums.h"
+#include "base/kernel_near_sums.h"
 
 #if defined(ZLV_TARGET_avx512) || defined(ZLV_TARGET_avx2)
 #include <immintrin.h>

@@ -3,7 +3,7 @@
 #include "filters/median_bits.kernels.h"
 
 #include "base/kernel_vectors.h"
-#include "filters/negative_lanes.h"
+#include "filters/kernel_negative_lanes.h"
 
 #include <algorithm>
 #include <utility>

@@ -11,8 +11,8 @@ namespace zlv {
 inline constexpr size_t kPixelsPerWord = 64;
 
 struct MedianBitKernels {
-    // The majorities of the 3 x 3 or 5 x 5 pixels around each pixel. rows are the window's from top to bottom, each with
-    // one more word at either end.
+    // The majorities of the 3 x 3 or 5 x 5 pixels around each pixel. rows are the window's from top to bottom, each
+    // with one more word at either end.
     void (*majorities3)(const u64* const* rows, size_t words, u64* majorities);
     void (*majorities5)(const u64* const* rows, size_t words, u64* majorities);
 

@@ -6,7 +6,7 @@
 #include "filters/median_columns.kernels.h"
 
 #include "base/kernel_vectors.h"
-#include "filters/negative_lanes.h"
+#include "filters/kernel_negative_lanes.h"
 
 #include <algorithm>
 

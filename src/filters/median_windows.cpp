@@ -1,8 +1,8 @@
 // Medians of square windows.
 //
-// Windows of up to 5 x 5 go through sorting networks, with all channels side by side. Larger ones go through histograms,
-// channel by channel, in tiles: a few hundred columns from top to bottom, whose histograms stay in the caches. The tiles
-// of wide windows are wider, since neighbours hold the columns between them twice.
+// Windows of up to 5 x 5 go through sorting networks, with all channels side by side. Larger ones go through
+// histograms, channel by channel, in tiles: a few hundred columns from top to bottom, whose histograms stay in the
+// caches. The tiles of wide windows are wider, since neighbours hold the columns between them twice.
 #include "filters/median_windows.h"
 
 #include "filters/median_blend.kernels.h"

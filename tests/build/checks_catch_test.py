@@ -46,6 +46,7 @@ GOOD_TEXTS = (
     ("exact functions", source_rules.mathematics, "src/a.cpp", "f64 y = std::sqrt(x) + std::floor(x);\n"),
     ("downwards", source_rules.include_arrows, "src/tone/a.cpp", '#include "base/b.h"\n#include "zlv40.h"\n'),
     ("a neighbour", source_rules.include_arrows, "src/warp/a.cpp", '#include "warp/b.h"\n#include "c.inc"\n'),
+    ("the public header may be long", source_rules.file_length, "include/zlv40.h", "\n" * 900),
     ("a generated table may be long", source_rules.file_length, "src/runtime/a_table.inc", "\n" * 900),
 )
 

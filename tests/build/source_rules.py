@@ -163,8 +163,9 @@ def no_goto(path, text):
 
 
 def file_length(path, text):
+    """Not of generated tables, nor of the public header: clients have one, with all that is to know."""
     count = text.count("\n")
-    if count > MAXIMUM_LINES and not path.endswith("_table.inc"):
+    if count > MAXIMUM_LINES and not path.endswith(("_table.inc", "include/zlv40.h")):
         yield f"{count} lines: look for the second topic"
 
 
