@@ -63,6 +63,10 @@ def argument_row(export, argument):
     for key in ("minimum", "maximum"):
         if key in facts:
             parts.append(f".has{key.capitalize()} = true")
+    if facts.get("costs"):
+        parts.append(".costs = true")
+    if argument.type.startswith("i"):
+        parts.append(".isSigned = true")
     if "outside" in facts and facts["outside"] not in description.ERRORS:
         parts.append(".isOutsideAccepted = true")
     flags = "".join(f"{{{flag['value']}u, {{{', '.join(str(c) for c in flag.get('channels', []))}}}}}, "

@@ -62,6 +62,8 @@ struct DescribedArgument {
     std::uint32_t zeroError = 0;  // of a refused one
     double minimum = 0, maximum = 0, default_ = 0;
     bool hasMinimum = false, hasMaximum = false;
+    bool costs = false;  // the time that a call takes grows with it
+    bool isSigned = false;
     bool isOutsideAccepted = false;  // limited or ignored instead of refused
     std::vector<FlagBit> flags = {};
     std::uint32_t unsweptFlags = 0;  // bits with which the call keeps to rules of its own

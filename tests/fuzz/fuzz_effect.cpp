@@ -29,39 +29,40 @@ const DescribedEffect& EffectUnderTest()
     std::abort();
 }
 
-// The integer at an index of the call, 0 where there is none.
-std::uint64_t NumberAt(const std::vector<Value>& values, int at)
+// The integer at an index of the call, 0 where there is none, and for what is negative to the effect.
+std::uint64_t NumberAt(const DescribedEffect& effect, const std::vector<Value>& values, int at)
 {
-    return at < 0 ? 0 : values[std::size_t(at)].integer;
+    if (at < 0) return 0;
+    const std::uint64_t number = values[std::size_t(at)].integer;
+    return effect.arguments[std::size_t(at)].isSigned && std::int32_t(number) < 0 ? 0 : number;
 }
 
-std::uint64_t ChannelsOf(const DescribedImage& image, const std::vector<Value>& values)
+std::uint64_t ChannelsOf(const DescribedEffect& effect, const DescribedImage& image, const std::vector<Value>& values)
 {
-    const std::uint64_t channels = image.fixedChannels ? image.fixedChannels : NumberAt(values, image.channels);
-    return std::int32_t(channels) < 0 ? 0 : channels;
+    return image.fixedChannels ? image.fixedChannels : NumberAt(effect, values, image.channels);
 }
 
 // The bytes of an image whose numbers stand in the call; 0 for one that no buffer of a test can have.
-std::size_t ImageBytes(const DescribedImage& image, const std::vector<Value>& values)
+std::size_t ImageBytes(const DescribedEffect& effect, const DescribedImage& image, const std::vector<Value>& values)
 {
     constexpr std::uint64_t kLargest = 1 << 20;
-    const std::uint64_t width = NumberAt(values, image.width), height = NumberAt(values, image.height);
-    const std::uint64_t channels = ChannelsOf(image, values);
+    const std::uint64_t width = NumberAt(effect, values, image.width), height = NumberAt(effect, values, image.height);
+    const std::uint64_t channels = ChannelsOf(effect, image, values);
     if (width == 0 || height == 0 || channels == 0) return 1;
     if (width > kLargest || height > kLargest || channels > kLargest) return 0;
     const std::uint64_t row = image.RowBytes(width, channels);
-    const std::uint64_t stride = image.stride < 0 ? row : NumberAt(values, image.stride) * image.strideBytes;
+    const std::uint64_t stride = image.stride < 0 ? row : NumberAt(effect, values, image.stride) * image.strideBytes;
     if (row > kLargest || stride > kLargest) return 0;
     const std::uint64_t bytes = (height - 1) * stride + (image.isPaddingWritten && stride > row ? stride : row);
     return bytes > kLargest ? 0 : std::size_t(bytes);
 }
 
 // Dense rows with a few bytes of padding mostly; any stride sometimes, in multiples of the sample.
-void SetStride(const DescribedImage& image, std::vector<Value>& values, Input& input)
+void SetStride(const DescribedEffect& effect, const DescribedImage& image, std::vector<Value>& values, Input& input)
 {
     if (image.stride < 0) return;
     const std::uint64_t sampleBytes = (image.sampleBits + 7) / 8;
-    const std::uint64_t row = image.RowBytes(NumberAt(values, image.width), ChannelsOf(image, values));
+    const std::uint64_t row = image.RowBytes(NumberAt(effect, values, image.width), ChannelsOf(effect, image, values));
     const std::uint64_t stride =
         input.Byte() & 1 ? input.Size(100) * sampleBytes : row + input.Byte() % 8 * sampleBytes;
     values[std::size_t(image.stride)].integer = std::uint32_t(stride / image.strideBytes);
@@ -101,18 +102,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
         case Role::Channels: value.integer = input.Size(10); break;
         default:
             value.integer = input.Size(16);
+            if (effect.arguments[i].costs) value.integer %= 1000;
             value.real = input.Byte() & 1 ? input.Real() : double(value.integer);
             value.integer &= ~std::uint64_t(effect.arguments[i].unsweptFlags);
             break;
         }
     }
-    ForEachImage(effect, [&](std::size_t, const DescribedImage& image) { SetStride(image, values, input); });
+    ForEachImage(effect, [&](std::size_t, const DescribedImage& image) { SetStride(effect, image, values, input); });
 
     std::vector<std::unique_ptr<std::uint8_t[]>> buffers;
     const std::uint8_t nulls = input.Byte();
     bool isPossible = true;
     ForEachImage(effect, [&](std::size_t i, const DescribedImage& image) {
-        const std::size_t size = ImageBytes(image, values);
+        const std::size_t size = ImageBytes(effect, image, values);
         isPossible = isPossible && size != 0;
         if (!isPossible || (nulls >> (i % 4) & 3) == 3) return;
         buffers.push_back(zlvtest::FuzzBuffer(size, input));
