@@ -14,8 +14,47 @@ constexpr size_t kVectors = 4;  // side by side: an addition is done when its re
 constexpr size_t kStrip = kVectors * kLanes;
 static_assert(kStrip <= kOrderedSlack);
 
+// sum + value + value + ..., rounded each time. `value` is not negative.
+//
+// Between two powers of 2 the sums are multiples of one unit, and each addition adds the same multiple of it. Only the
+// first may differ: a value halfway between two multiples leads to an even sum, and from even ones on always as far.
+f64 AddRepeatedly(f64 sum, f64 value, size_t times)
+{
+    constexpr u64 kExponentBits = 0x7FF0000000000000;
+    while (times >= 3) {
+        const f64 first = sum + value;
+        const f64 second = first + value;
+        sum = second + value;
+        times -= 3;
+        if (sum == second) return sum;
+        const f64 step = sum - second;
+        const f64 end = 2 * __builtin_bit_cast(f64, __builtin_bit_cast(u64, first) & kExponentBits);
+        // One step less than there is room for, as a value can be more than its step.
+        const f64 room = (end - sum) / step - 1;
+        if (!(room >= 1)) continue;
+        const size_t steps = room < f64(times) ? size_t(room) : times;
+        sum += f64(steps) * step;
+        times -= steps;
+    }
+    for (; times > 0; --times) sum += value;
+    return sum;
+}
+
 struct StripSums {
     Reals sums[kVectors] = {};
+
+    void AddMany(const f64* from, size_t times)
+    {
+        constexpr size_t kFew = 64;  // up to here, adding them one by one is faster
+        if (times <= kFew) {
+            for (size_t k = 0; k < times; ++k) Add(from);
+            return;
+        }
+        for (size_t i = 0; i < kStrip; ++i) {
+            f64& sum = reinterpret_cast<f64*>(sums)[i];
+            sum = AddRepeatedly(sum, from[i], times);
+        }
+    }
 
     void Add(const f64* from)
     {
@@ -31,9 +70,9 @@ void OrderedSums(const f64* const* rows, size_t side, size_t reach, size_t extra
         for (size_t j = 0; j < side; ++j) {
             const f64* const first = rows[j] + i;
             const f64* const last = first + reach * step;
-            for (size_t k = 0; k < extra; ++k) strip.Add(first);
+            strip.AddMany(first, extra);
             for (const f64* from = first; from <= last; from += step) strip.Add(from);
-            for (size_t k = 0; k < extra; ++k) strip.Add(last);
+            strip.AddMany(last, extra);
         }
         for (size_t v = 0; v < kVectors; ++v) Store(out + i + v * kLanes, strip.sums[v]);
     }

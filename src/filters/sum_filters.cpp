@@ -64,7 +64,7 @@ struct BlurTable {
 
     // The number w for which every entry i is i * w / 65536, truncated. There is one for the multiples of any real
     // number, as fractions with denominators up to 255 lie at least 1 / (255 * 254) apart. But products that are
-    // rounded to 53 bits can be whole for a multiple only: 49 * (1.0 / 49) is below 1 while 147 * (1.0 / 49) is 3.
+    // rounded to 53 bits can be whole for a multiple only: 49 * (1.0 / 49) is below 1 while 245 * (1.0 / 49) is 5.
     bool FindWeight(u32& weight) const
     {
         weight = 0;

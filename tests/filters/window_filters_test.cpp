@@ -60,6 +60,22 @@ TEST(WindowFilters, WindowsThatCoverTheImageSeveralTimesEqualPlain)
     }
 }
 
+// Where most of a window lies beyond the image, the same numbers are added again and again.
+TEST(WindowFilters, PowersOfWindowsFarLargerThanTheImageEqualPlain)
+{
+    OnEveryTarget([] {
+        for (const i32 order : {-1, -2, -3, -7, -200, 7, 13, 200}) {
+            for (const auto& [width, height] : {std::pair{1u, 1u}, {3u, 2u}, {2u, 1u}}) {
+                for (const auto& [lowest, levels] : {std::pair{1u, 255u}, {1u, 3u}, {128u, 128u}, {0u, 256u}}) {
+                    for (const i32 size : {135, 301}) {
+                        WindowComparison{width, height, 1, size, 1, 0, lowest, levels}.Expect(PowerMean(order));
+                    }
+                }
+            }
+        }
+    });
+}
+
 TEST(WindowFilters, LargeWindowsEqualPlain)
 {
     for (const WindowFilter& filter : WindowFilters()) {
@@ -259,8 +275,9 @@ TEST(WindowFilters, TheLargestWindowsOfOnePixelGiveItsSample)
         WindowFilter filter;
         u8 sample, result;
     } const rows[] = {
-        {ArithmeticMean(), 255, 255}, {Blur(1), 255, 255},      {Sharpen(1), 255, 255},   {HarmonicMean(), 255, 255},
-        {HarmonicMean(), 1, 1},       {PowerMean(1), 255, 255}, {PowerMean(2), 255, 255},
+        {PowerMean(-1), 1, 1},  {PowerMean(-1), 64, 64},  {ArithmeticMean(), 255, 255},
+        {Blur(1), 255, 255},    {Sharpen(1), 255, 255},   {HarmonicMean(), 255, 255},
+        {HarmonicMean(), 1, 1}, {PowerMean(1), 255, 255}, {PowerMean(2), 255, 255},
     };
     for (const auto& row : rows) {
         SCOPE(row.filter.name);
