@@ -12,6 +12,7 @@ FRAMES = {"full", "no-nest-count", "no-call-depth", "callback-span", "error-slot
 SCALARS = {"u8": "uint8_t", "u16": "uint16_t", "u32": "uint32_t", "u64": "uint64_t", "i8": "int8_t",
            "i16": "int16_t", "i32": "int32_t", "i64": "int64_t", "f64": "double", "f32": "float", "char": "char",
            "void": "void", "point": "point"}
+FUNCTIONS = {"callback": "ZLVProgressCallback", "warp": "ZLVWarpFunction"}
 SAMPLE_BITS = {"u8": 8, "u16": 16, "u32": 32, "f32": 32, "f64": 64, "void": 8}
 ROLES = {"image", "width", "height", "channels", "stride", "mask", "flags", "number", "choice", "count", "out", "in",
          "handle", "callback", "callback-data"}
@@ -34,15 +35,15 @@ class Argument:
     @property
     def c_type(self):
         """The type as the public header writes it."""
-        if self.type == "callback":
-            return "ZLVProgressCallback"
+        if self.type in FUNCTIONS:
+            return FUNCTIONS[self.type]
         base = self.type.removeprefix("const ").rstrip("*")
         stars = self.type[len(self.type.rstrip("*")):]
         return ("const " if self.type.startswith("const ") else "") + SCALARS[base] + stars
 
     @property
     def is_pointer(self):
-        return self.type.endswith("*") or self.type == "callback"
+        return self.type.endswith("*") or self.type in FUNCTIONS
 
 
 @dataclass

@@ -65,6 +65,8 @@ enum ZLV40_Flag {
     ZLV40_SEPARABLE = 256,   /* in two passes, along rows and down columns */
     ZLV40_COMBINED = 256,    /* one result for the first three channels */
     ZLV40_WORKER_THREADS = 524288,
+    ZLV40_KEEP_DESTINATION = 4,   /* the fill is what the destination holds */
+    ZLV40_CLAMP_POINTS = 8,       /* points outside the image come back to its edge */
     ZLV40_COLUMN_LEFT = 1048576,  /* the image goes on to the left */
     ZLV40_COLUMN_RIGHT = 2097152, /* the image goes on to the right */
     ZLV40_ROWS_ABOVE = 4194304,   /* the image goes on above its first row */
@@ -88,6 +90,17 @@ enum ZLV40_WeightKind {
     ZLV40_WEIGHTS_BOX = 3
 };
 
+/* How ZLV40_TransformProcess reads a point between pixels. */
+enum ZLV40_Sampling {
+    ZLV40_SAMPLING_NEAREST = 0,
+    ZLV40_SAMPLING_BILINEAR = 1,
+    ZLV40_SAMPLING_BICUBIC = 2,
+    ZLV40_SAMPLING_NONE = 3 /* writes nothing */
+};
+
+/* Where ZLV40_AddOffsetTransform brings back what leaves the picture; any other value is neither. */
+enum ZLV40_Wrap { ZLV40_WRAP_NONE = 0, ZLV40_WRAP_BOTH = 1, ZLV40_WRAP_X = 2, ZLV40_WRAP_Y = 3 };
+
 enum { ZLV40_VERSION_BYTES = 20 /* what ZLV40_GetLibVersion writes */ };
 
 /* A position: x to the right, y down. */
@@ -101,6 +114,12 @@ typedef struct point {
  * to go on, or 0 to cancel: the effect ends at once with ZLV40_ERROR_CANCELLED. It may call the library; effects
  * called from it report nothing, and ZLV40_ThreadExit does nothing there. */
 typedef uint32_t (*ZLVProgressCallback)(uint32_t current, uint32_t total, uint64_t callbackData);
+
+/* A client's warp: stores in *outX, *outY where the pixel (x, y) comes from, always both. Returns non-zero, or 0 for a
+ * pixel from outside the picture. Any numbers will do: a coordinate that is no number is outside. Before the call both
+ * hold x and y. Warp lists call it once a pixel, on the thread that made the call, row by row from left to right;
+ * `userData` is what ZLV40_AddUserTransform was given. It may call the library. */
+typedef int32_t (*ZLVWarpFunction)(double x, double y, double* outX, double* outY, void* userData);
 
 /* ---- Blocks that the library gives away --------------------------------------------------------------------- */
 
@@ -674,6 +693,73 @@ ZLV40_API uint32_t ZLV40_SobelFilter(const uint8_t* src, uint32_t width, uint32_
 ZLV40_API uint32_t ZLV40_CannyEdgeDetector(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcRowStride,
                                            uint8_t* dst, uint32_t dstRowStride, double sigma, double lowFraction,
                                            double highFraction);
+
+/* ---- Warps -------------------------------------------------------------------------------------------------- */
+
+/* Each thread has a list of warps. The ZLV40_Add functions below put one at its end, ZLV40_TransformProcess sends a
+ * picture through all of them as often as wanted, ZLV40_ClearAllTransforms empties it.
+ * A warp says where a pixel comes from. Every pixel's own position goes through the list from the first warp to the
+ * last one, and the picture is read where it arrives: the warp that was added last acts on the picture first. Pixel
+ * (0, 0) is at the top left, x grows to the right and y down, whole coordinates are pixels. A warp that calls a position
+ * outside ends its way: the pixel gets the fill.
+ * width and height of an Add function are those of the pictures to come; the warp's centre is
+ * ((width - 1) / 2, (height - 1) / 2), and its half diagonal is the distance from there to a corner. A list may be used
+ * with pictures of another size: nothing but the result depends on it. Angles are in degrees, lengths in pixels.
+ * Add functions return 1; or 0 with ZLV40_ERROR_OUT_OF_MEMORY or the code that they name, and the list as it was. They
+ * report no progress. */
+
+/* Empties this thread's warp list. */
+#define ZLV40_ClearAllTransforms _ZLV40_ClearAllTransforms
+ZLV40_API void ZLV40_ClearAllTransforms(void);
+
+/* Finds how far the positions of all pixels of a picture spread after this thread's warp list, whatever the warps call
+ * outside: a step over every pixel, which takes the time of a warp without sampling.
+ *   width, height  of the picture; for an empty one the minima are its sizes and the maxima 0
+ *   minX, minY     receive the smallest coordinates, but not more than width and height; not NULL
+ *   maxX           receives the largest x, but not less than 0; not NULL
+ *   maxY           receives the same number as maxX, not a y; not NULL
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT for NULL. No progress. */
+#define ZLV40_GetTransformDimensions _ZLV40_GetTransformDimensions
+ZLV40_API uint32_t ZLV40_GetTransformDimensions(uint32_t width, uint32_t height, double* minX, double* minY,
+                                                double* maxX, double* maxY);
+
+/* Sends a picture through this thread's warp list. An empty list copies it.
+ *   src            height rows of width pixels, 8 bits a sample, interleaved; not NULL; not changed
+ *   width, height  of both images; nothing is written when one is 0
+ *   srcRowStride   bytes from one row of src to the next
+ *   dst            an image of the same shape, not NULL; does not overlap src. Padding is not touched
+ *   dstRowStride   bytes from one row of dst to the next
+ *   bytesPerPixel  channels, 0 or more; nothing is written for 0
+ *   flags          a ZLV40_SAMPLING_ value; and
+ *                  ZLV40_KEEP_DESTINATION takes what dst holds in place of background
+ *                  ZLV40_CLAMP_POINTS moves positions outside the picture to its edge, but for those that a warp calls
+ *                  outside
+ *   background     what is outside the picture: its lowest byte is channel 0, the highest channel 3; channels behind
+ *                  are 0
+ * Sampling at (x, y):
+ *   nearest   any fraction leads to the next pixel to the right or down. 0 to width and 0 to height are inside
+ *   bilinear  the four pixels around, truncated. Towards the outside the picture fades into the fill over one pixel
+ *   bicubic   the sixteen pixels around with cubic convolution (R. G. Keys, 1981, parameter -1), rounded; those that
+ *             are outside count as the fill
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written) or ZLV40_ERROR_CANCELLED (rows done so far stay).
+ * The list is as before either way. Progress once a row. Works on the calling thread. */
+#define ZLV40_TransformProcess _ZLV40_TransformProcess
+ZLV40_API uint32_t ZLV40_TransformProcess(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcRowStride,
+                                          uint8_t* dst, uint32_t dstRowStride, int32_t bytesPerPixel, uint32_t flags,
+                                          uint32_t background);
+
+/* Shifts the picture by shiftX to the right and shiftY down.
+ *   wrap  a ZLV40_WRAP_ value: on these axes what is below 0 is moved by the picture's size once, and then what is
+ *         above the last pixel is moved back once */
+#define ZLV40_AddOffsetTransform _ZLV40_AddOffsetTransform
+ZLV40_API uint32_t ZLV40_AddOffsetTransform(uint32_t width, uint32_t height, double shiftX, double shiftY,
+                                            uint32_t wrap);
+
+/* Warps by a function of the client's. width and height are not looked at.
+ *   callback  not NULL, or ZLV40_ERROR_BAD_ARGUMENT
+ *   userData  handed to every call of it */
+#define ZLV40_AddUserTransform _ZLV40_AddUserTransform
+ZLV40_API uint32_t ZLV40_AddUserTransform(uint32_t width, uint32_t height, ZLVWarpFunction callback, void* userData);
 
 #ifdef __cplusplus
 }

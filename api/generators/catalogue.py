@@ -1,8 +1,8 @@
 """The command's catalogue: a C++ table of the effects, and for each a function that calls its export.
 
-Only exports with a `command` stand in it: those that one call applies to one picture. The table's types are declared in
-tools/zlv/catalogue.h. The values of a call travel as doubles, one slot an argument that the user can set; a double
-holds every i32 and u32 exactly.
+Only exports with a `command` stand in it: those that one call applies to one picture, and warps, which a call puts into
+the warp list before a picture goes through it. The table's types are declared in tools/zlv/catalogue.h. The values of a
+call travel as doubles, one slot an argument that the user can set; a double holds every i32 and u32 exactly.
 """
 import json
 
@@ -95,9 +95,23 @@ def parameters_of(export):
     return found
 
 
+# What a warp's Add function leaves to the function that sends a picture through the list.
+WARP_FACTS = {"channels": [1, 2, 3, 4], "progress": "row", "cancel": True, "random": False, "threads": "caller"}
+
+
+def is_warp(export):
+    return export.facts.get("warp", False)
+
+
+def facts_of(export):
+    return WARP_FACTS | export.facts if is_warp(export) else export.facts
+
+
 def images_of(export):
     """{image argument: its name in the call}: one picture worked on in place, or a source and a target."""
     where = f"{export.family}, {export.name}"
+    if is_warp(export):
+        return {}
     images = [argument for argument in export.arguments if argument.role == "image"]
     written = [image for image in images if image.facts["access"] != "in"]
     if len(written) != 1 or len(images) > 2 or export.result != "status":
@@ -113,6 +127,8 @@ def image_called(export, role):
 
 def channels_read(export):
     """The counts of channels of a picture that the effect takes."""
+    if is_warp(export):
+        return WARP_FACTS["channels"]
     image = image_called(export, "source") or image_called(export, "target")
     return [count for count in image.facts.get("channels", export.facts["channels"]) if count in CHANNELS_OF_PICTURES]
 
@@ -122,32 +138,40 @@ def channels_made(export):
     return image_called(export, "target").facts.get("channels", []) if image_called(export, "source") else []
 
 
-def argument_text(argument, images, slot, where):
+def argument_text(export, argument, images, slot):
     """The C++ expression for one argument of the call."""
+    values = "values" if is_warp(export) else "call.values"
     if argument.role == "image":
         return f"call.{images[argument.name]}.samples"
+    if is_warp(export) and argument.role in ("width", "height"):
+        return argument.role
     if argument.role in ("width", "height", "channels", "stride"):
         of = argument.facts.get("of", next(iter(images)))
         return f"static_cast<{argument.c_type}>(call.{images[of]}.{argument.role})"
     if argument.role == "mask":
         return f"static_cast<{argument.c_type}>(call.Mask({slot}))"
     if argument.role in VALUE_ROLES:
-        text = f"static_cast<{argument.c_type}>(call.values[{slot}])"
+        text = f"static_cast<{argument.c_type}>({values}[{slot}])"
         return f"{text} | call.Mask({slot + 1})" if slots_of(argument) == 2 else text
     if argument.is_pointer and argument.facts["null"] == "allowed":
         return "nullptr"
-    return description.fail(where, f"the command cannot pass an argument with the role {argument.role}")
+    return description.fail(f"{export.family}, {export.name}, {argument.name}",
+                            f"the command cannot pass an argument with the role {argument.role}")
 
 
 def call_function(export):
     images = images_of(export)
     texts, slot = [], 0
     for argument in export.arguments:
-        texts.append(argument_text(argument, images, slot, f"{export.family}, {export.name}, {argument.name}"))
+        texts.append(argument_text(export, argument, images, slot))
         slot += slots_of(argument)
-    head = f"uint32_t Call{export.name.removeprefix('ZLV40_')}(const EffectCall& call)"
-    body = ",\n        ".join(texts)
-    return f"{head}\n{{\n    return {export.name}(\n        {body});\n}}\n"
+    stem = export.name.removeprefix("ZLV40_")
+    call = f"uint32_t Call{stem}(const EffectCall& call)"
+    body = f"{{\n    return {export.name}(\n        " + ",\n        ".join(texts) + ");\n}\n"
+    if not is_warp(export):
+        return f"{call}\n{body}"
+    return (f"uint32_t Warp{stem}(uint32_t width, uint32_t height, std::span<const double> values)\n{body}\n"
+            f"{call}\n{{\n    return WarpOnce(call, Warp{stem});\n}}\n")
 
 
 def quoted(text):
@@ -214,7 +238,7 @@ def parameter_tables(export, found):
 
 def listing(family, export, found):
     """One effect as `zlv list --json` shows it."""
-    facts = export.facts
+    facts = facts_of(export)
     return {"name": facts["command"], "function": export.name, "family": family.name, "familyTitle": family.title,
             "summary": export.summary, "channels": channels_read(export), "channelsMade": channels_made(export),
             "progress": facts["progress"], "cancel": facts["cancel"], "random": facts["random"],
@@ -224,14 +248,14 @@ def listing(family, export, found):
 
 def effect_entry(family, export, found):
     """The fields of an Effect, in their order."""
-    stem, facts = export.name.removeprefix("ZLV40_"), export.facts
+    stem, facts = export.name.removeprefix("ZLV40_"), facts_of(export)
     return record(
         quoted(facts["command"]), quoted(export.name), quoted(export.summary), quoted(family.title),
         quoted(facts["progress"]), truth(facts["cancel"]), truth(facts["random"]), truth(facts["threads"] == "own"),
-        truth(image_called(export, "source")), f"{channel_bits(channels_read(export))}u",
+        truth(is_warp(export) or image_called(export, "source")), f"{channel_bits(channels_read(export))}u",
         f"{channel_bits(channels_made(export))}u",
         sum(slots_of(argument) for argument in export.arguments),
-        f"k{stem}Parameters" if found else "{}", f"Call{stem}",
+        f"k{stem}Parameters" if found else "{}", f"Call{stem}", f"Warp{stem}" if is_warp(export) else "nullptr",
         "\n    " + long_quoted(json.dumps(listing(family, export, found))))
 
 
@@ -253,7 +277,7 @@ def write(families):
         tables += parameter_tables(export, found)
         entries += effect_entry(family, export, found)
     text = ("// Written by api/generators/catalogue.py from the description of the exports. Not edited by hand.\n"
-            '#include "catalogue.h"\n#include "zlv40.h"\n\n#include <cstdint>\n\n'
+            '#include "catalogue.h"\n#include "warps.h"\n#include "zlv40.h"\n\n#include <cstdint>\n\n'
             f"namespace zlv {{\nnamespace {{\n{calls}{tables}constexpr Effect kEffects[] = {{\n{entries}}};\n"
             "}  // namespace\n\nstd::span<const Effect> AllEffects() { return kEffects; }\n}  // namespace zlv\n")
     return {"catalogue_table.cpp": text}

@@ -23,4 +23,10 @@ struct ImageView {
     bool IsContiguous() const { return SamplesPerRow() == stride; }
 };
 
+// What an image of bytes takes, from its first one to its last; it is not empty.
+inline u64 BytesOf(const ImageView<const u8>& image)
+{
+    return u64(image.height - 1) * image.stride + image.SamplesPerRow();
+}
+
 }  // namespace zlv

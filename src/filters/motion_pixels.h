@@ -20,12 +20,6 @@ struct Centre {
     f64 x, y;
 };
 
-// The bytes from an image's first sample to its last one.
-inline size_t BytesOf(const ImageView<const u8>& image)
-{
-    return size_t(image.height - 1) * image.stride + image.SamplesPerRow();
-}
-
 // Whether the kernels that find offsets can do it in this image.
 inline bool HasShortOffsets(const ImageView<const u8>& image) { return BytesOf(image) >> 32 == 0; }
 

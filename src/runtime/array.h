@@ -161,12 +161,19 @@ public:
         return true;
     }
 
-    void Clear()
+    // Deletes the objects and keeps the room that they had.
+    void DeleteAll()
     {
         for (u32 i = 0; i < count_; ++i) delete objects_[i];
+        count_ = 0;
+    }
+
+    void Clear()
+    {
+        DeleteAll();
         platform::Free(objects_);
         objects_ = nullptr;
-        count_ = capacity_ = 0;
+        capacity_ = 0;
     }
 
     u32 GetCount() const { return count_; }

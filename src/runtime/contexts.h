@@ -6,22 +6,11 @@
 #include "runtime/error.h"
 #include "runtime/error_log.h"
 #include "runtime/thread_context_slot.h"
+#include "runtime/transform.h"
 
 #include "zlv40.h"
 
 namespace zlv {
-
-// A step of a thread's warp list. The warps derive from it; here it is only owned and destroyed.
-class CXFormer {
-public:
-    CXFormer() = default;
-    virtual ~CXFormer() = default;
-    CXFormer(const CXFormer&) = delete;
-    CXFormer& operator=(const CXFormer&) = delete;
-
-    static void* operator new(size_t bytes) noexcept { return platform::Allocate(bytes); }
-    static void operator delete(void* block) { platform::Free(block); }
-};
 
 struct ZLVThreadContext {
     ZLVProgressCallback callback = nullptr;

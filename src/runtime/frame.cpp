@@ -22,19 +22,10 @@ constexpr FrameTraits TraitsOf(FrameKind kind)
     return {true, false, false, false};
 }
 
-// The client's code runs in the client's floating-point environment, and may change it.
 u32 CallClient(ZLVThreadContext& context, u32 current, u32 total)
 {
-    const bool wasComputing = context.isComputing;
-    if (wasComputing) platform::WriteFloatEnvironment(context.hostFloatEnvironment);
-    context.isComputing = false;
-    const u32 answer = context.callback(current, total, context.callbackData);
-    context.isComputing = wasComputing;
-    if (wasComputing) {
-        context.hostFloatEnvironment = platform::ReadFloatEnvironment();
-        platform::SetStandardFloatEnvironment();
-    }
-    return answer;
+    const ClientFloatEnvironment environment(context);
+    return context.callback(current, total, context.callbackData);
 }
 
 }  // namespace
@@ -57,7 +48,20 @@ u32 RefuseCall(Error code)
     return 0;
 }
 
-void ClearTransforms(ZLVThreadContext& context) { context.transforms.Clear(); }
+ClientFloatEnvironment::ClientFloatEnvironment(ZLVThreadContext& context)
+    : context_(context), wasComputing_(context.isComputing)
+{
+    if (wasComputing_) platform::WriteFloatEnvironment(context_.hostFloatEnvironment);
+    context_.isComputing = false;
+}
+
+ClientFloatEnvironment::~ClientFloatEnvironment()
+{
+    context_.isComputing = wasComputing_;
+    if (!wasComputing_) return;
+    context_.hostFloatEnvironment = platform::ReadFloatEnvironment();
+    platform::SetStandardFloatEnvironment();
+}
 
 CallFrame::CallFrame(FrameKind kind) : context_(exportedContexts.Get()), kind_(kind)
 {

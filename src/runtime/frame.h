@@ -31,8 +31,21 @@ u32 ZLVForwardProgress(u32 current, u32 total, u64 ignored);
 // A check that failed ahead of the frame: nothing has been raised or saved yet.
 u32 RefuseCall(Error code);
 
-// Destroys this thread's warp list.
-void ClearTransforms(ZLVThreadContext& context);
+// Destroys the steps of this thread's warp list, first to last.
+inline void ClearTransforms(ZLVThreadContext& context) { context.transforms.DeleteAll(); }
+
+// While it lives, the client's floating-point environment is set: code of his is about to run, and may change it.
+class ClientFloatEnvironment {
+public:
+    explicit ClientFloatEnvironment(ZLVThreadContext& context);
+    ~ClientFloatEnvironment();
+    ClientFloatEnvironment(const ClientFloatEnvironment&) = delete;
+    ClientFloatEnvironment& operator=(const ClientFloatEnvironment&) = delete;
+
+private:
+    ZLVThreadContext& context_;
+    const bool wasComputing_;
+};
 
 class CallFrame {
 public:

@@ -16,6 +16,7 @@ class CountedStep : public CXFormer {
 public:
     CountedStep() { ++alive; }
     ~CountedStep() override { --alive; }
+    bool MapPoint(f64, f64, f64*, f64*) override { return true; }
     static std::atomic<int> alive;
 };
 

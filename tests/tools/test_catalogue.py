@@ -4,6 +4,7 @@ import unittest
 
 from command_test import SHAPES, CommandTest, DONE, USAGE
 import description
+from generators import catalogue
 
 
 def described_commands():
@@ -23,7 +24,7 @@ class List(CommandTest):
                 self.assertEqual(effect["function"], export.name)
                 self.assertEqual(effect["family"], family.name)
                 self.assertEqual(effect["summary"], export.summary)
-                self.assertEqual(effect["cancel"], export.facts["cancel"])
+                self.assertEqual(effect["cancel"], catalogue.facts_of(export)["cancel"])
 
     def test_json_has_every_argument_that_can_be_set(self):
         listed = {effect["function"]: effect for effect in json.loads(self.run_command("list", "--json").text)}

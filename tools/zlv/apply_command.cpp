@@ -8,15 +8,12 @@
 #include "catalogue.h"
 #include "commands.h"
 #include "errors.h"
-#include "many_pictures.h"
-#include "system.h"
-#include "values.h"
+#include "picture_options.h"
+#include "step_options.h"
 
 #include <algorithm>
 #include <iterator>
-#include <map>
 #include <optional>
-#include <thread>
 
 namespace zlv {
 namespace {
@@ -35,62 +32,8 @@ constexpr const char* kFooter =
 
 struct ApplyLine {
     std::vector<ChainStep> steps;
-    Arguments files;
-    ApplySettings settings;
-    std::string output, format;
-    bool isQuiet = false, showsProgress = false;
+    PictureOptions options;
 };
-
-void AddGeneralOptions(CLI::App& parser, ApplyLine& line)
-{
-    const std::string group = "General options";
-    parser.add_option("-j,--jobs", line.settings.jobs, "Pictures worked on at the same time; 0: one a processor")
-        ->take_last()
-        ->check(CLI::Range(0u, 1024u).description(""))
-        ->type_name("N")
-        ->group(group);
-    parser.add_option("-o,--output", line.output, "Output name, folder or pattern such as out/{name}-new.png")
-        ->take_last()
-        ->type_name("OUT")
-        ->group(group);
-    parser.add_option("--format", line.format, "png, jpg or bmp, whatever the output's extension says")
-        ->take_last()
-        ->type_name("FORMAT")
-        ->group(group);
-    parser.add_option("--quality", line.settings.jpegQuality, "JPEG quality, 1 to 100 (90)")
-        ->take_last()
-        ->check(CLI::Range(1, 100).description(""))
-        ->type_name("N")
-        ->group(group);
-    parser.add_flag("--progress", line.showsProgress, "Show the progress bar even where no terminal is")->group(group);
-    parser.add_flag("-q,--quiet", line.isQuiet, "Show no progress bar")->group(group);
-}
-
-// What the parser collects for one effect.
-struct GivenValues {
-    std::map<const Parameter*, std::string> texts;
-    std::map<const Parameter*, bool> switches;
-};
-
-void AddParameter(CLI::App& parser, const Parameter& parameter, GivenValues& given)
-{
-    const std::string name = "--" + std::string(parameter.name), about(parameter.about);
-    const std::string group = "Parameters";
-    if (parameter.kind == Parameter::Kind::Switch) {
-        given.switches[&parameter] = parameter.defaultValue != 0;
-        const bool isOn = parameter.defaultValue != 0;
-        parser
-            .add_flag(isOn ? name + ",!--no-" + std::string(parameter.name) : name, given.switches[&parameter], about)
-            ->take_last()
-            ->group(group);
-        return;
-    }
-    const std::string range = DescribeValues(parameter) + "; default " + FormatValue(parameter, parameter.defaultValue);
-    parser.add_option(name, given.texts[&parameter], about.empty() ? range : about + "; " + range)
-        ->take_last()
-        ->type_name("VALUE")
-        ->group(group);
-}
 
 // The effect at the front of `arguments`, with its options. Names that are no options are files.
 std::optional<ChainStep> ParseStep(const Arguments& arguments, ApplyLine& line)
@@ -100,25 +43,13 @@ std::optional<ChainStep> ParseStep(const Arguments& arguments, ApplyLine& line)
     CLI::App parser(std::string(effect.summary));
     SetHabits(parser);
     SetUsage(parser, "zlv apply " + who + " [parameters] IN... OUT [options]");
-    GivenValues given;
-    for (const Parameter& parameter : effect.parameters) AddParameter(parser, parameter, given);
-    AddGeneralOptions(parser, line);
+    StepOptions given(parser, effect);
+    line.options.AddTo(parser);
     Arguments files;
     parser.add_option("FILES", files, "Inputs, then the output");
     if (Parse(parser, Arguments(arguments.begin() + 1, arguments.end()), who) == Parsed::HelpShown) return std::nullopt;
-
-    ChainStep step(effect);
-    for (const Parameter& parameter : effect.parameters) {
-        const std::string option = "--" + std::string(parameter.name);
-        if (parser.get_option(option)->count() == 0) continue;
-        const bool isSwitch = parameter.kind == Parameter::Kind::Switch;
-        const double value =
-            isSwitch ? given.switches[&parameter] : ParseValue(effect, parameter, given.texts[&parameter]);
-        SetValue(parameter, value, step.values);
-    }
-    AcceptedChannels(step);
-    line.files.insert(line.files.end(), files.begin(), files.end());
-    return step;
+    line.options.files.insert(line.options.files.end(), files.begin(), files.end());
+    return given.Read();
 }
 
 // False when help was asked for and shown.
@@ -131,8 +62,8 @@ bool ParseChain(Arguments arguments, ApplyLine& line)
         const auto step = ParseStep(Arguments(arguments.begin(), then), line);
         if (!step) return false;
         line.steps.push_back(*step);
-        if (!isLast && !line.files.empty())
-            throw UsageError("\"" + line.files.front() +
+        if (!isLast && !line.options.files.empty())
+            throw UsageError("\"" + line.options.files.front() +
                              "\" stands before `then`; the files come after the last effect.");
         arguments.erase(arguments.begin(), isLast ? then : std::next(then));
     }
@@ -146,30 +77,11 @@ bool ParseLine(const Arguments& arguments, ApplyLine& line)
     parser.prefix_command();
     SetUsage(parser, kUsage);
     parser.footer(kFooter);
-    AddGeneralOptions(parser, line);
+    line.options.AddTo(parser);
     if (Parse(parser, arguments, "zlv apply") == Parsed::HelpShown) return false;
     const Arguments rest = parser.remaining();
     if (rest.empty()) throw UsageError("An effect and files are missing, as in zlv apply EFFECT IN OUT.");
     return ParseChain(rest, line);
-}
-
-void Settle(ApplyLine& line)
-{
-    if (line.output.empty()) {
-        if (line.files.size() < 2)
-            throw UsageError(line.files.empty() ? "An input and an output are missing, as in zlv apply EFFECT IN OUT."
-                                                : "There is one file name; an input and an output are needed.");
-        line.output = line.files.back();
-        line.files.pop_back();
-    }
-    if (line.files.empty()) throw UsageError("An input is missing.");
-    if (!line.format.empty()) {
-        line.settings.format = FormatOf(line.format);
-        if (!line.settings.format) throw UsageError("--format takes png, jpg or bmp, not \"" + line.format + "\".");
-    }
-    if (line.settings.jobs == 0) line.settings.jobs = std::max(1u, std::thread::hardware_concurrency());
-    if (line.showsProgress) line.settings.progress = ShowProgress::Always;
-    if (line.isQuiet) line.settings.progress = ShowProgress::Never;
 }
 
 }  // namespace
@@ -178,9 +90,7 @@ int RunApply(const Arguments& arguments)
 {
     ApplyLine line;
     if (!ParseLine(arguments, line)) return kExitDone;
-    Settle(line);
-    MakeStandardStreamsBinary();
-    return ApplyToPictures(line.steps, PlanOutputs(line.files, line.output), line.settings);
+    return line.options.Apply(line.steps, "zlv apply EFFECT IN OUT");
 }
 
 }  // namespace zlv

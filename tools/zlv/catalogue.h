@@ -1,8 +1,7 @@
 // The catalogue of effects: what each is called, takes and does, and how it is called.
 //
 // The table behind it is generated from the description of the exports (api/generators/catalogue.py), so that a new
-// effect needs no line here. An effect that takes several calls (a list of warps, a frequency filter) would be a recipe
-// of its own with the same Effect record and a hand-written `call`.
+// effect needs no line here. A warp is an effect whose call makes a list of that warp alone.
 #ifndef ZLV_TOOLS_CATALOGUE_H
 #define ZLV_TOOLS_CATALOGUE_H
 
@@ -54,6 +53,9 @@ struct EffectCall {
     uint32_t Mask(size_t slot) const { return static_cast<uint32_t>(values[slot]) & ((1u << target.channels) - 1u); }
 };
 
+// Puts a warp for pictures of this size at the end of the thread's list.
+using AddWarp = uint32_t (*)(uint32_t width, uint32_t height, std::span<const double> values);
+
 struct Effect {
     std::string_view name, function, summary, family, progress;
     bool canCancel, isRandom, startsThreads;
@@ -63,6 +65,7 @@ struct Effect {
     size_t slots;
     std::span<const Parameter> parameters;
     uint32_t (*call)(const EffectCall& call);
+    AddWarp addWarp;  // null when it is no warp
     std::string_view json;
 };
 

@@ -63,7 +63,7 @@ Picture MakeTarget(const Effect& effect, const Picture& source)
 
 }  // namespace
 
-ChainStep::ChainStep(const Effect& wanted) : effect(&wanted), values(DefaultValues(wanted)) {}
+ChainStep::ChainStep(const Effect& wanted) : effect(&wanted), values(DefaultValues(wanted)), call(wanted.call) {}
 
 std::string ShellWord(const std::string& word)
 {
@@ -114,7 +114,7 @@ EffectResult ApplyEffect(const ChainStep& step, Picture picture, const Progress&
 
     const LibraryProgress installed(progress);
     const auto start = std::chrono::steady_clock::now();
-    const bool isDone = step.effect->call(call) != 0;
+    const bool isDone = step.call(call) != 0;
     const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
     if (!isDone) {
         const uint32_t code = ZLV40_GetLastError();

@@ -15,7 +15,8 @@ struct ChainStep {
     explicit ChainStep(const Effect& wanted);
 
     const Effect* effect;
-    std::vector<double> values;  // one a slot, the defaults at first
+    std::vector<double> values;                            // one a slot, the defaults at first
+    std::function<uint32_t(const EffectCall& call)> call;  // the effect's; or several that are one call
 };
 
 // A word as shells take it: quoted when it holds anything that they might read.

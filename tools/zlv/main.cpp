@@ -22,6 +22,7 @@ const struct {
     {"list", "Lists all effects (--json for programs)", RunList},
     {"info", "Tells what an effect does and takes", RunInfo},
     {"apply", "Applies one effect, or several in a row, to pictures", RunApply},
+    {"warp", "Sends pictures through a list of warps", RunWarp},
     {"gallery", "Shows every effect on a picture, as one page", RunGallery},
 };
 
@@ -42,6 +43,7 @@ int ShowHelp()
                  "Examples:\n"
                  "  zlv apply invert photo.png inverted.png\n"
                  "  zlv apply invert then invert a.jpg b.jpg 'out/{name}.png' --jobs 4\n"
+                 "  zlv warp photo.png warped.png spin --angle 90 ripple --sampling bicubic\n"
                  "  zlv gallery photo.png gallery\n\n"
                  "`zlv COMMAND --help` shows the options of each. Exit codes: 0 when all is done, 1 when a picture\n"
                  "failed, 2 when the command line is wrong, 130 after Ctrl-C.\n";
