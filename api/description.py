@@ -6,7 +6,7 @@ from dataclasses import dataclass, field
 FAMILIES = pathlib.Path(__file__).resolve().parent / "families"
 
 RESULTS = {"status": "uint32_t", "code": "uint32_t", "u32": "uint32_t", "void": "void", "pointer": "char*",
-           "callback": "ZLVProgressCallback", "handle": "void*"}
+           "callback": "ZLVProgressCallback", "handle": "void*", "doubles": "double*"}
 FRAMES = {"full", "no-nest-count", "no-call-depth", "callback-span", "error-slot", "out-code", "dispatcher",
           "forwarder", "none"}
 SCALARS = {"u8": "uint8_t", "u16": "uint16_t", "u32": "uint32_t", "u64": "uint64_t", "i8": "int8_t",
@@ -60,6 +60,16 @@ class Export:
         return "frame" in self.facts
 
     @property
+    def is_swept(self):
+        """Whether tests and fuzzers can call it knowing no more than the description."""
+        return self.is_effect and self.result == "status" and self.facts.get("sweeps", True)
+
+    @property
+    def function(self):
+        """The export that a command shows: itself, or the one that a recipe is about."""
+        return self.facts.get("function", self.name)
+
+    @property
     def symbol(self):
         return "_" + self.name
 
@@ -70,6 +80,7 @@ class Family:
     title: str
     about: str
     exports: list
+    recipes: list  # effects of the command that take several calls, described like exports
 
 
 def fail(where, what):
@@ -100,10 +111,21 @@ def read_argument(where, facts):
 
 
 def read_export(where, family, facts):
+    if not facts.get("name", "").startswith("ZLV40_"):
+        fail(where, "every export starts with ZLV40_")
+    return read_function(where, family, facts)
+
+
+def read_recipe(where, family, facts):
+    recipe = read_function(where, family, facts | {"result": "status"})
+    if not {"command", "function", "frame"} <= recipe.facts.keys():
+        fail(where, f"{recipe.name}: a recipe has a command and a function, and is described like an effect")
+    return recipe
+
+
+def read_function(where, family, facts):
     name = facts.get("name", "")
     where = f"{where}, {name}"
-    if not name.startswith("ZLV40_"):
-        fail(where, "every export starts with ZLV40_")
     if facts.get("result") not in RESULTS:
         fail(where, f"unknown result {facts.get('result')}")
     if "frame" in facts:
@@ -129,7 +151,8 @@ def read_family(path):
     if facts.get("family") != path.stem:
         fail(path.name, "the family is named like its file")
     exports = [read_export(path.name, facts["family"], export) for export in facts.get("export", [])]
-    return Family(facts["family"], facts["title"], facts["about"], exports)
+    recipes = [read_recipe(path.name, facts["family"], recipe) for recipe in facts.get("recipe", [])]
+    return Family(facts["family"], facts["title"], facts["about"], exports, recipes)
 
 
 def family_files():

@@ -156,8 +156,8 @@ int Main(int argc, char** argv)
     u32 count = 0;
     std::set<size_t> copies;
     const auto families = {
-        BaseRows,    EdgesRows,   FilterRows,  GaussianRows, MedianRows, NoiseRows,
-        OverlayRows, PaletteRows, PolygonRows, ResizeRows,   ToneRows,   WindowRows,
+        BaseRows,    EdgesRows,   FilterRows,  FrequencyRows, GaussianRows, MedianRows, NoiseRows,
+        OverlayRows, PaletteRows, PolygonRows, ResizeRows,    SplineRows,   ToneRows,   WindowRows,
     };
     for (const auto rowsOfFamily : families) {
         for (const BenchRow& row : rowsOfFamily()) {

@@ -54,6 +54,7 @@ struct BenchRow {
 std::vector<BenchRow> BaseRows();
 std::vector<BenchRow> EdgesRows();
 std::vector<BenchRow> FilterRows();
+std::vector<BenchRow> FrequencyRows();
 std::vector<BenchRow> GaussianRows();
 std::vector<BenchRow> MedianRows();
 std::vector<BenchRow> NoiseRows();
@@ -61,6 +62,7 @@ std::vector<BenchRow> OverlayRows();
 std::vector<BenchRow> PaletteRows();
 std::vector<BenchRow> PolygonRows();
 std::vector<BenchRow> ResizeRows();
+std::vector<BenchRow> SplineRows();
 std::vector<BenchRow> ToneRows();
 std::vector<BenchRow> WindowRows();
 

@@ -101,6 +101,21 @@ enum ZLV40_Sampling {
 /* Where ZLV40_AddOffsetTransform brings back what leaves the picture; any other value is neither. */
 enum ZLV40_Wrap { ZLV40_WRAP_NONE = 0, ZLV40_WRAP_BOTH = 1, ZLV40_WRAP_X = 2, ZLV40_WRAP_Y = 3 };
 
+/* Filters of ZLV40_FilterFFT. */
+enum ZLV40_FFTFilter {
+    ZLV40_FFT_IDEAL_LOW_PASS = 1,
+    ZLV40_FFT_IDEAL_HIGH_PASS = 2,
+    ZLV40_FFT_IDEAL_BAND_PASS = 3,
+    ZLV40_FFT_POWER_LAW = 4,
+    ZLV40_FFT_BUTTERWORTH_LOW_PASS = 5,
+    ZLV40_FFT_BUTTERWORTH_HIGH_PASS = 6,
+    ZLV40_FFT_GAUSSIAN_LOW_PASS = 7,
+    ZLV40_FFT_GAUSSIAN_HIGH_PASS = 8,
+    ZLV40_FFT_BUTTERWORTH_EMPHASIS = 9,
+    ZLV40_FFT_GAUSSIAN_EMPHASIS = 10,
+    ZLV40_FFT_HOMOMORPHIC = 15
+};
+
 enum { ZLV40_VERSION_BYTES = 20 /* what ZLV40_GetLibVersion writes */ };
 
 /* A position: x to the right, y down. */
@@ -760,6 +775,106 @@ ZLV40_API uint32_t ZLV40_AddOffsetTransform(uint32_t width, uint32_t height, dou
  *   userData  handed to every call of it */
 #define ZLV40_AddUserTransform _ZLV40_AddUserTransform
 ZLV40_API uint32_t ZLV40_AddUserTransform(uint32_t width, uint32_t height, ZLVWarpFunction callback, void* userData);
+/* ---- Frequencies -------------------------------------------------------------------------------------------- */
+
+/* Grids. The functions below work on a grid of complex values: height rows of width values, a value two doubles, the
+ * real part first, without padding. The grid is the caller's, and all that there is: each call is told its size again.
+ * The frequency 0 stands in the corners. None of these functions reports progress, none can be cancelled, all work on
+ * the calling thread. A grid is for one call at a time. */
+
+/* Tells the smallest power of two above a number, but at least 4: 4 for 0 to 3, 8 for 4 to 7.
+ *   value  the number; from 2147483648 on the result is 0, as no such power has 32 bits
+ * Leaves the last error alone. */
+#define ZLV40_NextPowerOfTwo _ZLV40_NextPowerOfTwo
+ZLV40_API uint32_t ZLV40_NextPowerOfTwo(uint32_t value);
+
+/* Gives a grid of zeros, 16 * width * height bytes. The caller frees it with ZLV40_FreeBlock.
+ *   width, height  powers of two, 4 or more
+ * Returns the grid; or NULL with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY. */
+#define ZLV40_AllocFFTGrid _ZLV40_AllocFFTGrid
+ZLV40_API double* ZLV40_AllocFFTGrid(uint32_t width, uint32_t height);
+
+/* Transforms a gray picture into the frequencies of its difference from its mean, divided by width * height (J. W.
+ * Cooley and J. W. Tukey, An Algorithm for the Machine Calculation of Complex Fourier Series, 1965).
+ *   srcBytes       height rows of width samples of 8 bits, or NULL; not changed
+ *   srcDoubles     height rows of width doubles, or NULL; not changed. Exactly one of the two is given
+ *   width, height  powers of two, 2 or more
+ *   srcRowStride   samples (bytes or doubles) from one row of the source to the next, >= width
+ *   grid           receives the frequencies; apart from the source
+ * Returns 1, also when the transform fails: then the last error is ZLV40_ERROR_BAD_ARGUMENT (a size is no power of two
+ * from 2 up, or there is no memory for the rows) or ZLV40_ERROR_OUT_OF_MEMORY (no memory for the columns, or a height
+ * of 0), and the grid holds the picture less its mean, its rows transformed or not.
+ * Returns 0 with ZLV40_ERROR_BAD_ARGUMENT when both sources or neither is given (nothing is written), or 0 with
+ * ZLV40_ERROR_OUT_OF_MEMORY when this thread's records can't be had. Returns 5 and leaves the last error 0 when grid is
+ * NULL. */
+#define ZLV40_DoFFT _ZLV40_DoFFT
+ZLV40_API uint32_t ZLV40_DoFFT(const uint8_t* srcBytes, const double* srcDoubles, uint32_t width, uint32_t height,
+                               uint32_t srcRowStride, double* grid);
+
+/* Transforms frequencies back, in place: after ZLV40_DoFFT the real parts are the picture less its mean, up to
+ * rounding, and the imaginary parts about 0.
+ *   width, height  powers of two, 2 or more
+ *   grid           the values
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (a size is no power of two from 2 up, or there is no memory for the
+ * rows) or ZLV40_ERROR_OUT_OF_MEMORY (no memory for the columns, or a height of 0; the rows are transformed already, as
+ * they are when height is no power of two). Returns 5 and leaves the last error 0 when grid is NULL. */
+#define ZLV40_DoFFTInverse _ZLV40_DoFFTInverse
+ZLV40_API uint32_t ZLV40_DoFFTInverse(uint32_t width, uint32_t height, double* grid);
+
+/* Multiplies each value of a grid by a real factor, in place. The factor depends on the distance d from the frequency 0
+ * in its corner: column x lies x from it up to width / 2, width - 1 - x behind that, and rows likewise.
+ *   grid           the values; not NULL
+ *   width, height  of the grid, of any size; 0 is nothing to do
+ *   kind           one of these filters, with the parameters that it reads:
+ *                  ZLV40_FFT_IDEAL_LOW_PASS (p0): 0 where d is above p0, else 1
+ *                  ZLV40_FFT_IDEAL_HIGH_PASS (p0): 0 where d is below p0, else 1
+ *                  ZLV40_FFT_IDEAL_BAND_PASS (p0, p1): 0 where d is below p0 or above p1, else 1
+ *                  ZLV40_FFT_POWER_LAW (p0): (1 / d^2)^p0
+ *                  ZLV40_FFT_BUTTERWORTH_LOW_PASS (p0, p1): 1 / (1 + (d / p0)^(2 * p1))
+ *                  ZLV40_FFT_BUTTERWORTH_HIGH_PASS (p0, p1): 1 / (1 + (p0 / d)^(2 * p1))
+ *                  ZLV40_FFT_GAUSSIAN_LOW_PASS (p0): exp(-d^2 / (2 * p0^2))
+ *                  ZLV40_FFT_GAUSSIAN_HIGH_PASS (p0): 1 - exp(-d^2 / (2 * p0^2))
+ *                  ZLV40_FFT_BUTTERWORTH_EMPHASIS (p0, p1, p2): p1 + p2 / (1 + (p0 / d)^(2 * p1))
+ *                  ZLV40_FFT_GAUSSIAN_EMPHASIS (p0, p1, p2): p1 + p2 * (1 - exp(-d^2 / (2 * p0^2)))
+ *                  ZLV40_FFT_HOMOMORPHIC (p0 to p3): (p2 - p1) * (1 - exp(-p3 * d^2 / p0^2)) + p1
+ *   params         as many doubles as the filter reads; not NULL. Any value: a radius of 0 makes infinities or NaN
+ * From ZLV40_FFT_POWER_LAW to ZLV40_FFT_GAUSSIAN_EMPHASIS values with d = 0 stay as they are.
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written). The kinds 11 to 14 are refused where there is a
+ * value to filter. */
+#define ZLV40_FilterFFT _ZLV40_FilterFFT
+ZLV40_API uint32_t ZLV40_FilterFFT(double* grid, uint32_t width, uint32_t height, int32_t kind, const double* params);
+
+/* Makes a gray picture of a grid: of its real parts, or of the magnitudes of its values.
+ *   dstBytes       height rows of width samples of 8 bits, or NULL: values are limited to 0..255 and truncated
+ *   dstDoubles     height rows of width doubles, or NULL: values as they are. Exactly one of the two is given
+ *   grid           the values; not NULL; not changed
+ *   width, height  of the grid, of any size; 0 is nothing to do
+ *   dstRowStride   samples (bytes or doubles) from one row of the picture to the next, >= width; padding is not touched
+ *   realPart       non-zero: real parts. 0: magnitudes
+ *   scale          non-zero: the smallest real part becomes 0 and the largest 255 (127 where all are the same); the
+ *                  largest magnitude becomes 255. 0: the smallest real part becomes 0; the largest magnitude becomes
+ *                  the largest real part
+ * Values that are no number (such as magnitudes of a grid of zeros) are 0 in bytes.
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written). */
+#define ZLV40_MakeGrayscaleFromFFT _ZLV40_MakeGrayscaleFromFFT
+ZLV40_API uint32_t ZLV40_MakeGrayscaleFromFFT(uint8_t* dstBytes, double* dstDoubles, const double* grid, uint32_t width,
+                                              uint32_t height, uint32_t dstRowStride, int32_t realPart, int32_t scale);
+
+/* ---- Splines ------------------------------------------------------------------------------------------------ */
+
+/* Evaluates an open uniform B-spline through control points in space at even steps of its parameter (C. de Boor, On
+ * Calculating with B-Splines, 1972). The first point is the first control point, the last one the last.
+ *   outCount          points wanted, 1 or more; 1 gives the last control point
+ *   controlCount      control points, 3 or more and more than order
+ *   order             the degree plus 1, 1 or more: 2 gives straight lines, 4 cubic curves. The time of a point grows
+ *                     with its square
+ *   x, y, z           controlCount coordinates each; not NULL; not changed
+ *   outX, outY, outZ  receive outCount coordinates each; not NULL; may be x, y and z
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY (nothing is written).
+ * Never reports progress and can't be cancelled. Works on the calling thread. */
+#define ZLV40_Get3DSplinePoints _ZLV40_Get3DSplinePoints
+ZLV40_API uint32_t ZLV40_Get3DSplinePoints(uint32_t outCount, uint32_t controlCount, uint32_t order, const double* x,
+                                           const double* y, const double* z, double* outX, double* outY, double* outZ);
 
 #ifdef __cplusplus
 }

@@ -159,6 +159,11 @@ def argument_text(export, argument, images, slot):
                             f"the command cannot pass an argument with the role {argument.role}")
 
 
+def recipe_declaration(recipe):
+    """What a recipe does is written by hand, below tools/zlv."""
+    return f"uint32_t Call{recipe.name}(const EffectCall& call);\n"
+
+
 def call_function(export):
     images = images_of(export)
     texts, slot = [], 0
@@ -239,7 +244,7 @@ def parameter_tables(export, found):
 def listing(family, export, found):
     """One effect as `zlv list --json` shows it."""
     facts = facts_of(export)
-    return {"name": facts["command"], "function": export.name, "family": family.name, "familyTitle": family.title,
+    return {"name": facts["command"], "function": export.function, "family": family.name, "familyTitle": family.title,
             "summary": export.summary, "channels": channels_read(export), "channelsMade": channels_made(export),
             "progress": facts["progress"], "cancel": facts["cancel"], "random": facts["random"],
             "threads": facts["threads"],
@@ -250,7 +255,7 @@ def effect_entry(family, export, found):
     """The fields of an Effect, in their order."""
     stem, facts = export.name.removeprefix("ZLV40_"), facts_of(export)
     return record(
-        quoted(facts["command"]), quoted(export.name), quoted(export.summary), quoted(family.title),
+        quoted(facts["command"]), quoted(export.function), quoted(export.summary), quoted(family.title),
         quoted(facts["progress"]), truth(facts["cancel"]), truth(facts["random"]), truth(facts["threads"] == "own"),
         truth(is_warp(export) or image_called(export, "source")), f"{channel_bits(channels_read(export))}u",
         f"{channel_bits(channels_made(export))}u",
@@ -260,8 +265,9 @@ def effect_entry(family, export, found):
 
 
 def commands(families):
-    """[(family, export)] of the exports that are commands, in the description's order."""
-    found = [(family, export) for family in families for export in family.exports if "command" in export.facts]
+    """[(family, export)] of the exports and recipes that are commands, in the description's order."""
+    found = [(family, export) for family in families for export in family.exports + family.recipes
+             if "command" in export.facts]
     names = [export.facts["command"] for _, export in found]
     for (family, export), name in zip(found, names):
         if names.count(name) > 1:
@@ -270,14 +276,17 @@ def commands(families):
 
 
 def write(families):
-    calls, tables, entries = "", "", ""
+    recipes, calls, tables, entries = "", "", "", ""
     for family, export in commands(families):
         found = parameters_of(export)
-        calls += call_function(export) + "\n"
+        if export in family.recipes:
+            recipes += recipe_declaration(export)
+        else:
+            calls += call_function(export) + "\n"
         tables += parameter_tables(export, found)
         entries += effect_entry(family, export, found)
     text = ("// Written by api/generators/catalogue.py from the description of the exports. Not edited by hand.\n"
             '#include "catalogue.h"\n#include "warps.h"\n#include "zlv40.h"\n\n#include <cstdint>\n\n'
-            f"namespace zlv {{\nnamespace {{\n{calls}{tables}constexpr Effect kEffects[] = {{\n{entries}}};\n"
+            f"namespace zlv {{\n{recipes}namespace {{\n{calls}{tables}constexpr Effect kEffects[] = {{\n{entries}}};\n"
             "}  // namespace\n\nstd::span<const Effect> AllEffects() { return kEffects; }\n}  // namespace zlv\n")
     return {"catalogue_table.cpp": text}

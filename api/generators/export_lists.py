@@ -20,6 +20,5 @@ def write_names(families):
 
 
 def write_effect_names(families):
-    names = [export.name for family in families for export in family.exports
-             if export.is_effect and export.result == "status"]
+    names = [export.name for family in families for export in family.exports if export.is_swept]
     return {"effect_names.txt": "\n".join(names) + "\n"}

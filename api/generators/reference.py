@@ -22,7 +22,7 @@ def table(heads, rows):
 
 def effects_table(families):
     """All effects as the README shows them: name, command, summary."""
-    rows = [[f"`{export.name}`", f"`{export.facts['command']}`", export.summary]
+    rows = [[f"`{export.function}`", f"`{export.facts['command']}`", export.summary]
             for _, export in catalogue.commands(families)]
     return table(["Function", "Command", "What it does"], rows)
 
@@ -115,8 +115,12 @@ def export_part(export):
     return text
 
 
+def recipe_part(recipe):
+    return f"## {recipe.name}\n\n{recipe.summary} The command makes it of several calls.\n\n{command_part(recipe)}"
+
+
 def family_page(family):
-    parts = "\n".join(export_part(export) for export in family.exports)
+    parts = "\n".join([*map(export_part, family.exports), *map(recipe_part, family.recipes)])
     return f"# {family.title}\n\n{family.about}\n\n{parts}"
 
 

@@ -64,6 +64,7 @@ struct GoldenRow {
 std::vector<GoldenRow> MedianGolden();
 std::vector<GoldenRow> NoiseGolden();
 std::vector<GoldenRow> EdgesGolden();
+std::vector<GoldenRow> FrequencyGolden();
 std::vector<GoldenRow> ToneGolden();
 std::vector<GoldenRow> WindowGolden();
 

@@ -18,6 +18,7 @@ std::vector<GoldenRow> AllRows()
     add(MedianGolden());
     add(NoiseGolden());
     add(EdgesGolden());
+    add(FrequencyGolden());
     add(ToneGolden());
     add(WindowGolden());
 #ifdef ZLV_TESTS_SEE_INSIDE

@@ -8,7 +8,8 @@ from generators import catalogue
 
 
 def described_commands():
-    return {export.facts["command"]: (family, export) for family in description.read_all() for export in family.exports
+    return {export.facts["command"]: (family, export) for family in description.read_all()
+            for export in family.exports + family.recipes
             if "command" in export.facts}
 
 
@@ -21,17 +22,17 @@ class List(CommandTest):
         for effect in listed:
             family, export = described[effect["name"]]
             with self.subTest(effect["name"]):
-                self.assertEqual(effect["function"], export.name)
+                self.assertEqual(effect["function"], export.function)
                 self.assertEqual(effect["family"], family.name)
                 self.assertEqual(effect["summary"], export.summary)
                 self.assertEqual(effect["cancel"], catalogue.facts_of(export)["cancel"])
 
     def test_json_has_every_argument_that_can_be_set(self):
-        listed = {effect["function"]: effect for effect in json.loads(self.run_command("list", "--json").text)}
-        for _, export in described_commands().values():
+        listed = {effect["name"]: effect for effect in json.loads(self.run_command("list", "--json").text)}
+        for name, (_, export) in described_commands().items():
             wanted = {argument.name for argument in export.arguments
                       if argument.role in ("number", "choice", "mask") or argument.facts.get("flags")}
-            self.assertEqual({parameter["argument"] for parameter in listed[export.name]["parameters"]}, wanted)
+            self.assertEqual({parameter["argument"] for parameter in listed[name]["parameters"]}, wanted)
 
     def test_table_has_a_line_for_every_effect(self):
         lines = self.succeed(self.run_command("list")).text.splitlines()

@@ -1,7 +1,8 @@
 // The catalogue of effects: what each is called, takes and does, and how it is called.
 //
 // The table behind it is generated from the description of the exports (api/generators/catalogue.py), so that a new
-// effect needs no line here. A warp is an effect whose call makes a list of that warp alone.
+// effect needs no line here. An effect that takes several calls (a frequency filter) is a recipe: described with the
+// others, with a hand-written `call` (frequency_recipes.cpp). A warp's call makes a list of that warp alone.
 #ifndef ZLV_TOOLS_CATALOGUE_H
 #define ZLV_TOOLS_CATALOGUE_H
 
