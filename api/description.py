@@ -37,9 +37,9 @@ class Argument:
         """The type as the public header writes it."""
         if self.type in FUNCTIONS:
             return FUNCTIONS[self.type]
-        base = self.type.removeprefix("const ").rstrip("*")
-        stars = self.type[len(self.type.rstrip("*")):]
-        return ("const " if self.type.startswith("const ") else "") + SCALARS[base] + stars
+        words = self.type.removeprefix("const ")
+        base = words.partition("*")[0]
+        return ("const " if self.type.startswith("const ") else "") + SCALARS[base] + words[len(base):]
 
     @property
     def is_pointer(self):

@@ -875,6 +875,184 @@ ZLV40_API uint32_t ZLV40_MakeGrayscaleFromFFT(uint8_t* dstBytes, double* dstDoub
 #define ZLV40_Get3DSplinePoints _ZLV40_Get3DSplinePoints
 ZLV40_API uint32_t ZLV40_Get3DSplinePoints(uint32_t outCount, uint32_t controlCount, uint32_t order, const double* x,
                                            const double* y, const double* z, double* outX, double* outY, double* outZ);
+/* ---- Morphology --------------------------------------------------------------------------------------------- */
+
+/* Inverts every bit of a buffer, in place.
+ *   buffer  size bytes; not NULL
+ *   size    in bytes; 0 is nothing to do
+ * Returns 1; or 0 with ZLV40_ERROR_OUT_OF_MEMORY when the buffer is NULL. Reports no progress. Works on the calling
+ * thread. */
+#define ZLV40_InvertBuffer _ZLV40_InvertBuffer
+ZLV40_API uint32_t ZLV40_InvertBuffer(uint8_t* buffer, uint32_t size);
+
+/* Writes the bits that two buffers have in common: a AND b.
+ *   a, b  size bytes each; not NULL
+ *   out   size bytes; not NULL. It may be a or b, but not begin elsewhere in them
+ *   size  in bytes; 0 is nothing to do
+ * Returns 1; or 0 with ZLV40_ERROR_OUT_OF_MEMORY when a buffer is NULL (nothing is written). Reports no progress. Works
+ * on the calling thread. */
+#define ZLV40_IntersectBuffers _ZLV40_IntersectBuffers
+ZLV40_API uint32_t ZLV40_IntersectBuffers(const uint8_t* a, const uint8_t* b, uint8_t* out, uint32_t size);
+
+/* Writes the bits that either buffer has: a OR b. For the rest see ZLV40_IntersectBuffers. */
+#define ZLV40_UnionBuffers _ZLV40_UnionBuffers
+ZLV40_API uint32_t ZLV40_UnionBuffers(const uint8_t* a, const uint8_t* b, uint8_t* out, uint32_t size);
+
+/* Writes the bits that just one of the buffers has: a XOR b. For the rest see ZLV40_IntersectBuffers. */
+#define ZLV40_XORBuffers _ZLV40_XORBuffers
+ZLV40_API uint32_t ZLV40_XORBuffers(const uint8_t* a, const uint8_t* b, uint8_t* out, uint32_t size);
+
+/* Binary morphology. Seven functions work on 1-bit images with a structuring element. Beyond its edges the image
+ * repeats its border pixels without limit, so an element may be larger than the image. They share these arguments:
+ *   src            height rows of width pixels, 8 in a byte, the leftmost in the highest bit; a set bit is foreground;
+ *                  not NULL, only read
+ *   width          pixels a row, 1 or more
+ *   height         rows, 1 or more
+ *   srcRowStride   bytes from one row of src to the next, >= (width + 7) / 8
+ *   dst            the result, with as many rows and pixels; not NULL. It may be src, with the same stride, but for
+ *                  ZLV40_MorphoDilation1Bit and ZLV40_MorphoErosion1Bit, and share no other memory with it. The bits
+ *                  behind a row's last pixel are not touched, unless told otherwise
+ *   dstRowStride   bytes from one row of dst to the next, >= (width + 7) / 8; padding is not touched
+ *   element        elementWidth * elementHeight entries, row after row; not NULL. Its origin is the entry in the
+ *                  middle, and it is not reflected. A dilation counts entries of exactly 1, an erosion all but 0
+ *   elementWidth   entries a row, odd, 1 or more
+ *   elementHeight  rows of entries, odd, 1 or more
+ *   reserved       ignored
+ * The time they take grows with the outline of the element and not with its area.
+ *
+ * Erosions pass over empty stretches. Where the entry in the middle is not 0, the pixels of each byte of src that is 0,
+ * and the first pixel behind each such stretch, are not written: they keep what dst holds. Clear dst to get them as 0;
+ * the pixel behind a stretch is then 0 even where it would be 1. The other functions do so inside.
+ *
+ * They return 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY (nothing is written) or
+ * ZLV40_ERROR_CANCELLED. ZLV40_MorphoDilation1Bit and ZLV40_MorphoErosion1Bit answer a width or height of 0 as a bad
+ * argument, the others as ZLV40_ERROR_OUT_OF_MEMORY, and those refuse strides that are too short. They work on the
+ * calling thread. */
+
+/* Sets each pixel that has a set pixel under an entry of 1. Reports (row, height) after each row; can be cancelled,
+ * rows done so far stay. For the rest see "Binary morphology". */
+#define ZLV40_MorphoDilation1Bit _ZLV40_MorphoDilation1Bit
+ZLV40_API uint32_t ZLV40_MorphoDilation1Bit(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcRowStride,
+                                            uint8_t* dst, uint32_t dstRowStride, const uint32_t* element,
+                                            int32_t elementWidth, int32_t elementHeight, uint32_t reserved);
+
+/* Sets each pixel that has only set pixels under entries other than 0, clears the others, and passes over empty
+ * stretches. Reports (row, height) after each row; can be cancelled, rows done so far stay. For the rest see "Binary
+ * morphology". */
+#define ZLV40_MorphoErosion1Bit _ZLV40_MorphoErosion1Bit
+ZLV40_API uint32_t ZLV40_MorphoErosion1Bit(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcRowStride,
+                                           uint8_t* dst, uint32_t dstRowStride, const uint32_t* element,
+                                           int32_t elementWidth, int32_t elementHeight, uint32_t reserved);
+
+/* Opens: erodes, and dilates the result. Reports (row, height) after each row of the result; can be cancelled, rows
+ * done so far stay. For the rest see "Binary morphology". */
+#define ZLV40_MorphoOpen1Bit _ZLV40_MorphoOpen1Bit
+ZLV40_API uint32_t ZLV40_MorphoOpen1Bit(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcRowStride,
+                                        uint8_t* dst, uint32_t dstRowStride, const uint32_t* element,
+                                        int32_t elementWidth, int32_t elementHeight, uint32_t reserved);
+
+/* Closes: dilates, and erodes the result into dst, which is not cleared first: pixels that the erosion passes over keep
+ * what dst holds. Reports (row, height) after each row of the result; can be cancelled, rows done so far stay. For the
+ * rest see "Binary morphology". */
+#define ZLV40_MorphoClose1Bit _ZLV40_MorphoClose1Bit
+ZLV40_API uint32_t ZLV40_MorphoClose1Bit(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcRowStride,
+                                         uint8_t* dst, uint32_t dstRowStride, const uint32_t* element,
+                                         int32_t elementWidth, int32_t elementHeight, uint32_t reserved);
+
+/* Finds shapes: sets each pixel where the erosion by one element and that of the complement by another one are set, and
+ * clears the others. The bits behind a row's last pixel are cleared up to the end of their byte.
+ *   hitElement           what must be foreground; hitWidth * hitHeight entries, both odd; not NULL
+ *   missElement          what must be background; missWidth * missHeight entries, both odd; not NULL
+ * Reports no progress. For the rest see "Binary morphology". */
+#define ZLV40_MorphoHitOrMiss1Bit _ZLV40_MorphoHitOrMiss1Bit
+ZLV40_API uint32_t ZLV40_MorphoHitOrMiss1Bit(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcRowStride,
+                                             uint8_t* dst, uint32_t dstRowStride, const uint32_t* hitElement,
+                                             int32_t hitWidth, int32_t hitHeight, const uint32_t* missElement,
+                                             int32_t missWidth, int32_t missHeight, uint32_t reserved);
+
+/* Extracts the boundary: sets each foreground pixel that the erosion takes away, and clears the others. Of a width that
+ * is no multiple of 8, the last width % 8 pixels of a row are written over its first ones, at the front of its first
+ * byte; the byte where they belong is not touched, unless it is the first. Reports (row, height) after each row; can be
+ * cancelled, rows done so far stay. For the rest see "Binary morphology". */
+#define ZLV40_MorphoBoundaryExtraction1Bit _ZLV40_MorphoBoundaryExtraction1Bit
+ZLV40_API uint32_t ZLV40_MorphoBoundaryExtraction1Bit(const uint8_t* src, uint32_t width, uint32_t height,
+                                                      uint32_t srcRowStride, uint8_t* dst, uint32_t dstRowStride,
+                                                      const uint32_t* element, int32_t elementWidth,
+                                                      int32_t elementHeight, uint32_t reserved);
+
+/* Thins: takes off the pixels that ZLV40_MorphoHitOrMiss1Bit finds, one pair of elements after the other, and begins
+ * anew until a pass ends with what dst holds. Without pairs the result is 0 everywhere.
+ *   src           height rows of rowStride bytes, padding included; see "Binary morphology"
+ *   width         pixels a row, 1 or more
+ *   height        rows, 1 or more
+ *   rowStride     bytes from one row to the next in both images, >= (width + 7) / 8; height * rowStride is at most
+ *                 2147483647
+ *   dst           the result: height rows of rowStride bytes, all of which are written, with the padding of src; not
+ *                 NULL. It may be src, and share no other memory with it. It is compared with the first pass as the
+ *                 caller left it, padding included
+ *   hitElements   elementCount pointers to elements of hitSize * hitSize entries; not NULL
+ *   hitSize       odd, 1 or more
+ *   missElements  elementCount pointers to elements of missSize * missSize entries; not NULL
+ *   missSize      odd, 1 or more
+ *   elementCount  pairs, any number
+ *   iterations    passes at most; 0 leaves dst as it is
+ *   reserved      ignored
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY, the latter for a width, height or
+ * rowStride of 0 too. dst is whole at any time: as it was, or as a pass has left it. Reports no progress. Works on the
+ * calling thread. */
+#define ZLV40_MorphoThinning1Bit _ZLV40_MorphoThinning1Bit
+ZLV40_API uint32_t ZLV40_MorphoThinning1Bit(const uint8_t* src, uint32_t width, uint32_t height, uint32_t rowStride,
+                                            uint8_t* dst, const uint32_t* const* hitElements, int32_t hitSize,
+                                            const uint32_t* const* missElements, int32_t missSize,
+                                            uint32_t elementCount, uint32_t iterations, uint32_t reserved);
+
+/* Gray morphology. Four functions work on planes of one byte a pixel with an additive structuring element: a dilation
+ * writes the largest sum of sample and entry under the element, an erosion the smallest difference, from 0 to 255.
+ * Beyond its edges the plane repeats its border pixels without limit. They share these arguments:
+ *   src           height rows of width bytes; not NULL, only read
+ *   width         pixels a row, 1 or more
+ *   height        rows, 1 or more; width * height is at most 2147483647
+ *   srcRowStride  bytes from one row of src to the next, >= width
+ *   element       elementSize * elementSize entries, row after row; not NULL. Its origin is the entry in the middle,
+ *                 and it is not reflected. All entries take part; those of 2^31 and more are negative. Equal entries,
+ *                 as all 0, cost the same at any size
+ *   elementSize   entries a row, odd, 1 or more
+ *   dst           the result, with as many rows and pixels; not NULL. It may be src, with the same stride, and share no
+ *                 other memory with it
+ *   dstRowStride  bytes from one row of dst to the next, >= width; padding is not touched
+ * They return 1; or 0 with ZLV40_ERROR_OUT_OF_MEMORY (nothing is written), also for a width or height of 0. They report
+ * (row, height) after each row of their last step and work on the calling thread.
+ *
+ * Opening, closing and top-hat return 1 whatever becomes of their steps: with an element of an even size they write
+ * nothing of them, and after a cancel the rows done so far stay and no code tells. A NULL pointer gives 0 and no
+ * code. */
+
+/* Opens: erodes, and dilates the result. For the rest see "Gray morphology". */
+#define ZLV40_OpenGray _ZLV40_OpenGray
+ZLV40_API uint32_t ZLV40_OpenGray(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcRowStride,
+                                  const uint32_t* element, uint32_t elementSize, uint8_t* dst, uint32_t dstRowStride);
+
+/* Closes: dilates, and erodes the result. For the rest see "Gray morphology". */
+#define ZLV40_CloseGray _ZLV40_CloseGray
+ZLV40_API uint32_t ZLV40_CloseGray(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcRowStride,
+                                   const uint32_t* element, uint32_t elementSize, uint8_t* dst, uint32_t dstRowStride);
+
+/* Writes what an opening takes away: the plane less its opening, at least 0. The planes should have no padding: src is
+ * copied to dst as one block of width * height bytes, which mixes the rows of padded ones and writes over the padding
+ * of dst. Strides below width are refused with ZLV40_ERROR_BAD_ARGUMENT (nothing is written). For the rest see "Gray
+ * morphology". */
+#define ZLV40_TophatGray _ZLV40_TophatGray
+ZLV40_API uint32_t ZLV40_TophatGray(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcRowStride,
+                                    const uint32_t* element, uint32_t elementSize, uint8_t* dst, uint32_t dstRowStride);
+
+/* Writes the difference of dilation and erosion, modulo 256: an element with negative entries may give differences
+ * below 0. A NULL pointer gives 0 with ZLV40_ERROR_BAD_ARGUMENT, an element of an even size gives 0 and no code
+ * (nothing is written), a cancel gives 0 with ZLV40_ERROR_CANCELLED, and rows done so far stay. For the rest see "Gray
+ * morphology". */
+#define ZLV40_MorphoGradientGray _ZLV40_MorphoGradientGray
+ZLV40_API uint32_t ZLV40_MorphoGradientGray(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcRowStride,
+                                            const uint32_t* element, uint32_t elementSize, uint8_t* dst,
+                                            uint32_t dstRowStride);
 
 #ifdef __cplusplus
 }

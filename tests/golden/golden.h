@@ -61,10 +61,11 @@ struct GoldenRow {
 };
 
 // The exports, a file a family; they are also tried on the library that is shipped.
-std::vector<GoldenRow> MedianGolden();
-std::vector<GoldenRow> NoiseGolden();
 std::vector<GoldenRow> EdgesGolden();
 std::vector<GoldenRow> FrequencyGolden();
+std::vector<GoldenRow> MedianGolden();
+std::vector<GoldenRow> MorphologyGolden();
+std::vector<GoldenRow> NoiseGolden();
 std::vector<GoldenRow> ToneGolden();
 std::vector<GoldenRow> WindowGolden();
 

@@ -15,10 +15,11 @@ std::vector<GoldenRow> AllRows()
 {
     std::vector<GoldenRow> rows;
     const auto add = [&](std::vector<GoldenRow> more) { rows.insert(rows.end(), more.begin(), more.end()); };
-    add(MedianGolden());
-    add(NoiseGolden());
     add(EdgesGolden());
     add(FrequencyGolden());
+    add(MedianGolden());
+    add(MorphologyGolden());
+    add(NoiseGolden());
     add(ToneGolden());
     add(WindowGolden());
 #ifdef ZLV_TESTS_SEE_INSIDE
