@@ -51,6 +51,7 @@ struct BenchRow {
     size_t resultPixels = 0;  // what a time is divided by, where the result has other pixels than the image
 };
 
+std::vector<BenchRow> AdaptiveRows();
 std::vector<BenchRow> BaseRows();
 std::vector<BenchRow> EdgesRows();
 std::vector<BenchRow> FilterRows();

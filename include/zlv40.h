@@ -114,6 +114,16 @@ enum ZLV40_FFTFilter {
     ZLV40_FFT_BUTTERWORTH_EMPHASIS = 9,
     ZLV40_FFT_GAUSSIAN_EMPHASIS = 10,
     ZLV40_FFT_HOMOMORPHIC = 15
+/* Flags of ZLV40_AdaptiveUnsharpMask. */
+enum ZLV40_UnsharpFlag {
+    ZLV40_UNSHARP_FOUR_KERNELS = 1, /* instead of two */
+    ZLV40_UNSHARP_EIGHT_KERNELS = 2,
+    ZLV40_UNSHARP_KEEP_ALPHA = 4 /* channel 3 is not sharpened */
+};
+
+/* Flag of ZLV40_LocalHistogramEnhancement. */
+enum ZLV40_EnhancementFlag {
+    ZLV40_DARK_REGIONS = 256 /* regions darker than a part of the image's mean, instead of brighter ones */
 };
 
 enum { ZLV40_VERSION_BYTES = 20 /* what ZLV40_GetLibVersion writes */ };
@@ -1053,6 +1063,123 @@ ZLV40_API uint32_t ZLV40_TophatGray(const uint8_t* src, uint32_t width, uint32_t
 ZLV40_API uint32_t ZLV40_MorphoGradientGray(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcRowStride,
                                             const uint32_t* element, uint32_t elementSize, uint8_t* dst,
                                             uint32_t dstRowStride);
+/* ---- Adaptive filters --------------------------------------------------------------------------------------- */
+
+/* Sharpens where a sample differs enough from its left neighbour: with d the difference, limited to -127..127, a sample
+ * whose |d| is above the threshold becomes itself + d * amount, the product truncated and the sum limited to 0..255.
+ * Others are copied, and so is the first column.
+ *   src           height rows of width pixels, 8 bits a sample, interleaved; not NULL
+ *   width         pixels a row, 1 or more
+ *   height        rows, 1 or more
+ *   channels      samples a pixel, 1 or more
+ *   srcRowStride  bytes from one row of src to the next, >= width * channels; not 0
+ *   dstRowStride  bytes from one row of dst to the next, >= width * channels; not 0; padding is not touched
+ *   dst           receives an image of the same shape; not NULL; may be src, with the same stride
+ *   threshold     in levels; from 127 on nothing is sharpened
+ *   amount        of sharpening; below 0 it softens; finite
+ *   flags         how many directional kernels the mask is made of: two, with ZLV40_UNSHARP_FOUR_KERNELS four, with
+ *                 ZLV40_UNSHARP_EIGHT_KERNELS eight; both are refused. The first one decides alone, so results are the
+ *                 same, but for two kernels' use of dst: the response of the second passes through it, which is
+ *                 127 + a sample - its right neighbour, limited to 0..254. With src as dst, that is what is sharpened.
+ *                 ZLV40_UNSHARP_KEEP_ALPHA does not sharpen channel 3: with two kernels it gets the second response,
+ *                 otherwise it is not touched
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written), ZLV40_ERROR_OUT_OF_MEMORY (nothing is written;
+ * with two kernels in place only) or ZLV40_ERROR_CANCELLED.
+ * Progress as (step, kernels): step 0 before the first kernel, 1 and so on after each further one, and `kernels` when
+ * dst is done. A cancel at that last report finds dst written; an earlier one leaves it untouched, or with two kernels
+ * and from step 1 on filled with the second response. Works on the calling thread. */
+#define ZLV40_AdaptiveUnsharpMask _ZLV40_AdaptiveUnsharpMask
+ZLV40_API uint32_t ZLV40_AdaptiveUnsharpMask(const uint8_t* src, uint32_t width, uint32_t height, int32_t channels,
+                                             uint32_t srcRowStride, uint32_t dstRowStride, uint8_t* dst,
+                                             uint32_t threshold, double amount, int8_t flags);
+
+/* Removes noise and keeps edges: the double-window modified trimmed mean (Y. H. Lee, S. A. Kassam, IEEE Transactions on
+ * Acoustics, Speech, and Signal Processing 33 (1985)). The median m of the 3 x 3 samples around a sample chooses, from
+ * the five rows around it and from the columns two to the left up to one to the right, the samples from m - q to m + q;
+ * their mean, truncated, is the result. (The column two to the right does not count.)
+ *   src           height rows of width pixels, 8 bits a sample, interleaved; not NULL, only read
+ *   width         pixels a row, 1 or more; below 5 nothing is written
+ *   height        rows, 1 or more; below 5 nothing is written
+ *   dst           the result, of the same shape; not NULL, not src, and without a pixel of its memory. Two pixels at
+ *                 each edge are not written
+ *   bytesPerPixel channels, 1 to 8
+ *   srcRowStride  bytes from one row of src to the next, >= width * bytesPerPixel; not 0
+ *   dstRowStride  bytes from one row of dst to the next, >= width * bytesPerPixel; not 0; padding is not touched
+ *   noiseLevel    and
+ *   bandFactor    make q, their product, in levels; 0 or more
+ *   channelMask   bit c selects channel c; a channel that is not selected is not written, and bits beyond the channels
+ *                 are ignored
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written), ZLV40_ERROR_OUT_OF_MEMORY (nothing is written) or
+ * ZLV40_ERROR_CANCELLED.
+ * Progress as (row, height) after each row that can be written, from row 2 to row height - 3; can be cancelled, rows
+ * done so far stay. Works on the calling thread. */
+#define ZLV40_AdaptiveDWMTMFilter _ZLV40_AdaptiveDWMTMFilter
+ZLV40_API uint32_t ZLV40_AdaptiveDWMTMFilter(const uint8_t* src, int32_t width, int32_t height, uint8_t* dst,
+                                             uint32_t bytesPerPixel, uint32_t srcRowStride, uint32_t dstRowStride,
+                                             double noiseLevel, double bandFactor, uint32_t channelMask);
+
+/* Finds the mean of each channel, truncated to an integer. The sum has 32 bits and wraps: a white image of more than
+ * 16,843,009 pixels has a smaller mean than 255.
+ *   src            height rows of width pixels, 8 bits a sample, interleaved; not NULL, only read
+ *   width, height  1 or more, together less than 2^32 pixels
+ *   bytesPerPixel  channels, 1 to 8
+ *   rowStride      bytes from one row to the next, >= width * bytesPerPixel; not 0
+ *   means          one number a channel, 0 to 255; not NULL. Those of channels that are not selected are not written
+ *   channelMask    bit c selects channel c; bits beyond the channels are ignored
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written). A success leaves the last error as it was.
+ * Never reports progress and can't be cancelled. Works on the calling thread. */
+#define ZLV40_FindImageMean _ZLV40_FindImageMean
+ZLV40_API uint32_t ZLV40_FindImageMean(const uint8_t* src, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
+                                       uint32_t rowStride, double* means, uint32_t channelMask);
+
+/* Finds the standard deviation of each channel: the root of the mean squared difference from the mean as
+ * ZLV40_FindImageMean truncates it, and so a little more than that from the exact mean.
+ *   src            height rows of width pixels, 8 bits a sample, interleaved; not NULL, only read
+ *   width, height  1 or more, together less than 2^32 pixels
+ *   bytesPerPixel  channels, 1 to 8
+ *   rowStride      bytes from one row to the next, >= width * bytesPerPixel; not 0
+ *   deviations     one number a channel, in levels; not NULL. Those of channels that are not selected are not written
+ *   channelMask    bit c selects channel c; bits beyond the channels are ignored
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written) or ZLV40_ERROR_CANCELLED. A success leaves the
+ * last error as it was.
+ * Progress as (channel, bytesPerPixel) for each selected channel; can be cancelled, deviations written so far stay.
+ * Works on the calling thread. */
+#define ZLV40_FindImageStandardDeviation _ZLV40_FindImageStandardDeviation
+ZLV40_API uint32_t ZLV40_FindImageStandardDeviation(const uint8_t* src, uint32_t width, uint32_t height,
+                                                    uint32_t bytesPerPixel, uint32_t rowStride, double* deviations,
+                                                    uint32_t channelMask);
+
+/* Enhances regions by their local mean and contrast (R. C. Gonzalez, R. E. Woods, Digital Image Processing, chapter
+ * "Histogram processing"). A sample of a selected channel is multiplied by the gain where its window has a deviation s
+ * that is neither below deviations[c] * lowDeviationFactor nor above deviations[c] * highDeviationFactor, and a mean m
+ * that is not below means[c] * meanFactor, or, with ZLV40_DARK_REGIONS, not above it. Otherwise it is copied.
+ *   src                  height rows of width pixels, 8 bits a sample, interleaved; not NULL, only read
+ *   width                pixels a row, 1 or more
+ *   height               rows, 1 or more
+ *   bytesPerPixel        channels, 1 to 8
+ *   srcRowStride         bytes from one row of src to the next, >= width * bytesPerPixel; not 0
+ *   dst                  the result, of the same shape; not NULL, not src, and without a pixel of its memory
+ *   dstRowStride         bytes from one row of dst to the next, >= width * bytesPerPixel; not 0; padding is not touched
+ *   windowSize           edge of the window in pixels, 1 to 65535, also beyond the image, whose border pixels repeat.
+ *                        The window of an even size is one pixel wider and higher, but its sums are divided by
+ *                        windowSize * windowSize all the same: m and s are larger than they are
+ *   means                one number a channel, as from ZLV40_FindImageMean; not NULL, only read
+ *   deviations           one number a channel, as from ZLV40_FindImageStandardDeviation; not NULL, only read
+ *   meanFactor, lowDeviationFactor, highDeviationFactor
+ *                        any number. A comparison with what is not a number is not true, and the sample is enhanced
+ *   gain                 -8421504 to 8421504. The product is truncated and its low eight bits are stored: 256 is 0
+ *   flags                bits 0 to 7 select channels (a channel that is not selected is not written); and
+ *                        ZLV40_DARK_REGIONS
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written), ZLV40_ERROR_OUT_OF_MEMORY (nothing is written) or
+ * ZLV40_ERROR_CANCELLED. The time it takes hardly depends on windowSize.
+ * Progress once a row; can be cancelled, rows done so far stay. Works on the calling thread. */
+#define ZLV40_LocalHistogramEnhancement _ZLV40_LocalHistogramEnhancement
+ZLV40_API uint32_t ZLV40_LocalHistogramEnhancement(const uint8_t* src, uint32_t width, uint32_t height,
+                                                   uint32_t bytesPerPixel, uint32_t srcRowStride, uint8_t* dst,
+                                                   uint32_t dstRowStride, uint32_t windowSize, const double* means,
+                                                   const double* deviations, double meanFactor,
+                                                   double lowDeviationFactor, double highDeviationFactor, double gain,
+                                                   uint32_t flags);
 
 #ifdef __cplusplus
 }

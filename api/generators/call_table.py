@@ -41,7 +41,8 @@ def image_shape(export, image):
             f".stride = {place('stride')}, .strideBytes = {stride_bytes(export, place('stride'))}, "
             f".fixedChannels = {fixed}, .sampleBits = {sample_bits(image)}, "
             f".isWritten = {'false' if image.facts['access'] == 'in' else 'true'}, "
-            f".isPaddingWritten = {'true' if image.facts.get('padding') == 'written' else 'false'}}}")
+            f".isPaddingWritten = {'true' if image.facts.get('padding') == 'written' else 'false'}, "
+            f".isPerChannel = {'true' if image.facts.get('per') == 'channel' else 'false'}}}")
 
 
 def argument_row(export, argument):

@@ -3,6 +3,7 @@
 // decides what the filter gives.
 #include "filters/bilateral_average.h"
 
+#include "filters/bilateral_doubt.h"
 #include "runtime/math.h"
 
 #include <algorithm>
@@ -20,37 +21,10 @@ constexpr f64 kPi = 0x1.921FB54442D18p+1;
 constexpr f64 kMiddleBoost = 20.0;
 constexpr f64 kRounding = 0.5;
 
-// Weights below it are 0 in single precision: no product of two becomes subnormal, which is slow.
-constexpr f64 kSmallestFastWeight = 0x1p-62;
-
 // Lighter windows are left to double precision: their products lose digits.
 constexpr f64 kLightestFastMiddle = 0x1p-600;
 constexpr f64 kMostFastVisits = 0x1p+24;
 constexpr f64 kLargestDoubt = 0.25;
-
-// How far an average in single precision may be off. With u = 2^-24, weights normalised to 1 and 20 in the middle:
-//   - A weight is off by the rounding of its range part to 16 digits (2^-16), that of its spatial part (u) and of their
-//     product (u). Weights that are wrong by a part e of themselves move their mean by at most e times the mean
-//     distance of the samples from it, which is at most half of 255.
-//   - A product with a sample (u), `columns` additions along a row and `rows` of rows: (rows + columns + 1) u of the
-//     sum; without the product, of the sum of the weights.
-//   - The division and the addition of one half: u each, of at most 256.
-//   - What weights set to 0 would have added, and the roundings of double precision: each below 2^-52 of a weight and
-//     255 a visit, in sums of weights that are at least 20.
-// Errors of errors are covered by one hundredth more.
-f64 DoubtOf(f64 rows, f64 columns)
-{
-    constexpr f64 u = 0x1p-24;
-    const f64 ofWeights = 0x1p-16 + 2 * u;
-    const f64 ofSums = (2 * (rows + columns) + 3) * u;
-    const f64 ofRest = rows * columns * 255 * 0x1p-51;
-    return 1.01 * (255 / 2.0 * ofWeights + 256 * ofSums) + ofRest;
-}
-
-// To 16 binary digits: the lowest byte is 0.
-f32 Shortened(f32 weight) { return std::bit_cast<f32>((std::bit_cast<u32>(weight) + 0x80) & ~0xFFu); }
-
-f32 FastWeight(f64 weight) { return weight < kSmallestFastWeight ? 0.0f : f32(weight); }
 
 }  // namespace
 
@@ -112,9 +86,9 @@ void BilateralAverage::MakeFastTables()
     const f64 largest = range_[kRangeMiddle], middle = spatial_[spatial_.GetCount() / 2];
     hasWeights_ = largest * middle > 0;
     isFast_ = largest * middle >= kLightestFastMiddle && f64(spatial_.GetCount()) <= kMostFastVisits &&
-              DoubtOf(f64(size_), f64(size_)) < kLargestDoubt;
+              BilateralDoubt(f64(size_), f64(size_)) < kLargestDoubt;
     if (!isFast_) return;
-    for (size_t i = 0; i < kRangeEntries; ++i) fastRange_.weights[i] = Shortened(FastWeight(range_[i] / largest));
+    for (size_t i = 0; i < kRangeEntries; ++i) fastRange_.weights[i] = ShortWeight(range_[i] / largest);
     for (size_t d = 0; d <= kRangeMiddle; ++d) {
         const u32 bits = std::bit_cast<u32>(fastRange_.weights[kRangeMiddle + d]);
         for (u32 byte = 0; byte < 3; ++byte) fastRange_.bytes[byte][d] = u8(bits >> (8 * (byte + 1)));
@@ -135,7 +109,7 @@ BilateralWindow BilateralAverage::FastWindow(const BilateralTaps& taps) const
     window.inside = inside_.GetData() + margin_ - taps.left * row_.channels;
     window.wholeStart = taps.left * row_.channels;
     window.wholeEnd = (row_.width - taps.columns + taps.left + 1) * row_.channels;
-    window.doubt = f32(DoubtOf(f64(taps.rowCount), f64(taps.columns)));
+    window.doubt = f32(BilateralDoubt(f64(taps.rowCount), f64(taps.columns)));
     return window;
 }
 

@@ -47,6 +47,7 @@ struct DescribedImage {
     std::uint32_t sampleBits = 8;
     bool isWritten = false;
     bool isPaddingWritten = false;  // rows are written whole, that of the last one included
+    bool isPerChannel = false;      // one sample a channel, whatever the picture's size
 
     std::uint64_t RowBytes(std::uint64_t pixels, std::uint64_t channelCount) const
     {

@@ -99,15 +99,16 @@ private:
     std::uint8_t* NewImage(const DescribedImage& image, Flush flush)
     {
         const std::uint32_t count = image.fixedChannels ? image.fixedChannels : channels_;
-        const std::size_t row = std::size_t(image.RowBytes(kWidth, count));
+        const std::uint32_t width = image.isPerChannel ? 1 : kWidth, height = image.isPerChannel ? 1 : kHeight;
+        const std::size_t row = std::size_t(image.RowBytes(width, count));
         const std::size_t padding = kPadding * ((image.sampleBits + 7) / 8);  // keeps rows aligned to their samples
         const Layout layout = {row, image.stride >= 0 ? row + padding : row, image.isWritten, image.isPaddingWritten};
         if (image.stride >= 0) values[std::size_t(image.stride)].integer = layout.stride / image.strideBytes;
-        const std::size_t size = (kHeight - 1) * layout.stride + (image.isPaddingWritten ? layout.stride : row);
+        const std::size_t size = (height - 1) * layout.stride + (image.isPaddingWritten ? layout.stride : row);
         images_.push_back(std::make_unique<GuardedBuffer>(size, flush, kFill));
         layouts_.push_back(layout);
         std::uint8_t* const data = images_.back()->Data();
-        for (std::size_t y = 0; y < kHeight; ++y) FillRow(data + y * layout.stride, row, image.sampleBits);
+        for (std::size_t y = 0; y < height; ++y) FillRow(data + y * layout.stride, row, image.sampleBits);
         return data;
     }
 

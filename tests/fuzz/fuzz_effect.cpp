@@ -46,7 +46,8 @@ std::uint64_t ChannelsOf(const DescribedEffect& effect, const DescribedImage& im
 std::size_t ImageBytes(const DescribedEffect& effect, const DescribedImage& image, const std::vector<Value>& values)
 {
     constexpr std::uint64_t kLargest = 1 << 20;
-    const std::uint64_t width = NumberAt(effect, values, image.width), height = NumberAt(effect, values, image.height);
+    const std::uint64_t width = image.isPerChannel ? 1 : NumberAt(effect, values, image.width);
+    const std::uint64_t height = image.isPerChannel ? 1 : NumberAt(effect, values, image.height);
     const std::uint64_t channels = ChannelsOf(effect, image, values);
     if (width == 0 || height == 0 || channels == 0) return 1;
     if (width > kLargest || height > kLargest || channels > kLargest) return 0;

@@ -61,6 +61,7 @@ struct GoldenRow {
 };
 
 // The exports, a file a family; they are also tried on the library that is shipped.
+std::vector<GoldenRow> AdaptiveGolden();
 std::vector<GoldenRow> EdgesGolden();
 std::vector<GoldenRow> FrequencyGolden();
 std::vector<GoldenRow> MedianGolden();

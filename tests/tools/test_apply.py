@@ -177,6 +177,25 @@ class Values(CommandTest):
         plain = self.apply(gray, "paint", "--no-paint-it")
         self.assertEqual(plain.samples, bytes(v for v in gray.samples for _ in range(3)))
 
+    def test_a_mask_and_switches_of_one_argument_work_together(self):
+        original = pattern(12, 9, 3)
+
+        def bilateral(*arguments):
+            self.write("in.png", original)
+            self.succeed(self.run_command("apply", "bilateral", *arguments, "in.png", "out.png"))
+            return self.png("out.png").samples
+
+        separable, square = bilateral("--separable"), bilateral()
+        self.assertNotEqual(separable[1::3], square[1::3])
+        self.assertNotEqual(separable[1::3], original.samples[1::3])
+        for arguments, whole in ((["--channel-mask", "g", "--separable"], separable),
+                                 (["--separable", "--channel-mask", "g"], separable),
+                                 (["--separable", "--channel-mask", "2", "--threads"], separable),
+                                 (["--channel-mask", "g"], square)):
+            with self.subTest(arguments):
+                wanted = bytes(whole[i] if i % 3 == 1 else v for i, v in enumerate(original.samples))
+                self.assertEqual(bilateral(*arguments), wanted)
+
 
 @unittest.skipUnless(IS_WINDOWS_PROGRAM, "shells of Linux expand patterns themselves")
 class WindowsNames(CommandTest):
