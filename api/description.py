@@ -33,6 +33,11 @@ class Argument:
     facts: dict = field(default_factory=dict)
 
     @property
+    def element(self):
+        """What a pointer points to."""
+        return self.type.removeprefix("const ").rstrip("*")
+
+    @property
     def c_type(self):
         """The type as the public header writes it."""
         if self.type in FUNCTIONS:
@@ -62,7 +67,8 @@ class Export:
     @property
     def is_swept(self):
         """Whether tests and fuzzers can call it knowing no more than the description."""
-        return self.is_effect and self.result == "status" and self.facts.get("sweeps", True)
+        has_handle = any(argument.role == "handle" for argument in self.arguments)
+        return self.is_effect and self.result == "status" and not has_handle and self.facts.get("sweeps", True)
 
     @property
     def function(self):

@@ -156,8 +156,9 @@ int Main(int argc, char** argv)
     u32 count = 0;
     std::set<size_t> copies;
     const auto families = {
-        AdaptiveRows, BaseRows,    EdgesRows,   FilterRows,  FrequencyRows, GaussianRows, MedianRows, MorphologyRows,
-        NoiseRows,    OverlayRows, PaletteRows, PolygonRows, ResizeRows,    SplineRows,   ToneRows,   WindowRows,
+        AdaptiveRows, BaseRows,   EdgesRows,      FilterRows, FrequencyRows, GaussianRows,
+        GenerateRows, MedianRows, MorphologyRows, NoiseRows,  OverlayRows,   PaletteRows,
+        PolygonRows,  ResizeRows, SplineRows,     ToneRows,   WindowRows,
     };
     for (const auto rowsOfFamily : families) {
         for (const BenchRow& row : rowsOfFamily()) {

@@ -57,6 +57,7 @@ std::vector<BenchRow> EdgesRows();
 std::vector<BenchRow> FilterRows();
 std::vector<BenchRow> FrequencyRows();
 std::vector<BenchRow> GaussianRows();
+std::vector<BenchRow> GenerateRows();
 std::vector<BenchRow> MedianRows();
 std::vector<BenchRow> MorphologyRows();
 std::vector<BenchRow> NoiseRows();

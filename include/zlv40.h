@@ -56,14 +56,15 @@ enum ZLV40_Error {
 
 /* Flag bits. Each function says which ones it knows. */
 enum ZLV40_Flag {
-    ZLV40_PROTECT_ALPHA = 1, /* leaves channel 3 alone */
-    ZLV40_BGR = 1,           /* blue comes first and red third */
-    ZLV40_ALPHA_FIRST = 1,   /* channel 0 is alpha, the first colour's place is channel 3 */
-    ZLV40_MASK_255 = 2,      /* marks are 255 instead of 1 */
-    ZLV40_PAD_LEFT = 1,      /* the first column stands for those before the image */
-    ZLV40_PAD_RIGHT = 2,     /* the last column stands for those behind it */
-    ZLV40_SEPARABLE = 256,   /* in two passes, along rows and down columns */
-    ZLV40_COMBINED = 256,    /* one result for the first three channels */
+    ZLV40_PROTECT_ALPHA = 1,   /* leaves channel 3 alone */
+    ZLV40_BGR = 1,             /* blue comes first and red third */
+    ZLV40_ALPHA_FIRST = 1,     /* channel 0 is alpha, the first colour's place is channel 3 */
+    ZLV40_MASK_255 = 2,        /* marks are 255 instead of 1 */
+    ZLV40_PAD_LEFT = 1,        /* the first column stands for those before the image */
+    ZLV40_PAD_RIGHT = 2,       /* the last column stands for those behind it */
+    ZLV40_SEPARABLE = 256,     /* in two passes, along rows and down columns */
+    ZLV40_COMBINED = 256,      /* one result for the first three channels */
+    ZLV40_COLORS_AS_IMAGE = 1, /* bytes of colours are in the order of the image's channels */
     ZLV40_WORKER_THREADS = 524288,
     ZLV40_KEEP_DESTINATION = 4,   /* the fill is what the destination holds */
     ZLV40_CLAMP_POINTS = 8,       /* points outside the image come back to its edge */
@@ -114,6 +115,8 @@ enum ZLV40_FFTFilter {
     ZLV40_FFT_BUTTERWORTH_EMPHASIS = 9,
     ZLV40_FFT_GAUSSIAN_EMPHASIS = 10,
     ZLV40_FFT_HOMOMORPHIC = 15
+};
+
 /* Flags of ZLV40_AdaptiveUnsharpMask. */
 enum ZLV40_UnsharpFlag {
     ZLV40_UNSHARP_FOUR_KERNELS = 1, /* instead of two */
@@ -725,8 +728,8 @@ ZLV40_API uint32_t ZLV40_CannyEdgeDetector(const uint8_t* src, uint32_t width, u
  * picture through all of them as often as wanted, ZLV40_ClearAllTransforms empties it.
  * A warp says where a pixel comes from. Every pixel's own position goes through the list from the first warp to the
  * last one, and the picture is read where it arrives: the warp that was added last acts on the picture first. Pixel
- * (0, 0) is at the top left, x grows to the right and y down, whole coordinates are pixels. A warp that calls a position
- * outside ends its way: the pixel gets the fill.
+ * (0, 0) is at the top left, x grows to the right and y down, whole coordinates are pixels. Where a warp calls a
+ * position outside, its way ends: the pixel gets the fill.
  * width and height of an Add function are those of the pictures to come; the warp's centre is
  * ((width - 1) / 2, (height - 1) / 2), and its half diagonal is the distance from there to a corner. A list may be used
  * with pictures of another size: nothing but the result depends on it. Angles are in degrees, lengths in pixels.
@@ -785,6 +788,7 @@ ZLV40_API uint32_t ZLV40_AddOffsetTransform(uint32_t width, uint32_t height, dou
  *   userData  handed to every call of it */
 #define ZLV40_AddUserTransform _ZLV40_AddUserTransform
 ZLV40_API uint32_t ZLV40_AddUserTransform(uint32_t width, uint32_t height, ZLVWarpFunction callback, void* userData);
+
 /* ---- Frequencies -------------------------------------------------------------------------------------------- */
 
 /* Grids. The functions below work on a grid of complex values: height rows of width values, a value two doubles, the
@@ -885,6 +889,7 @@ ZLV40_API uint32_t ZLV40_MakeGrayscaleFromFFT(uint8_t* dstBytes, double* dstDoub
 #define ZLV40_Get3DSplinePoints _ZLV40_Get3DSplinePoints
 ZLV40_API uint32_t ZLV40_Get3DSplinePoints(uint32_t outCount, uint32_t controlCount, uint32_t order, const double* x,
                                            const double* y, const double* z, double* outX, double* outY, double* outZ);
+
 /* ---- Morphology --------------------------------------------------------------------------------------------- */
 
 /* Inverts every bit of a buffer, in place.
@@ -1063,6 +1068,7 @@ ZLV40_API uint32_t ZLV40_TophatGray(const uint8_t* src, uint32_t width, uint32_t
 ZLV40_API uint32_t ZLV40_MorphoGradientGray(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcRowStride,
                                             const uint32_t* element, uint32_t elementSize, uint8_t* dst,
                                             uint32_t dstRowStride);
+
 /* ---- Adaptive filters --------------------------------------------------------------------------------------- */
 
 /* Sharpens where a sample differs enough from its left neighbour: with d the difference, limited to -127..127, a sample
@@ -1180,6 +1186,158 @@ ZLV40_API uint32_t ZLV40_LocalHistogramEnhancement(const uint8_t* src, uint32_t 
                                                    const double* deviations, double meanFactor,
                                                    double lowDeviationFactor, double highDeviationFactor, double gain,
                                                    uint32_t flags);
+
+/* ---- Generators --------------------------------------------------------------------------------------------- */
+
+/* Makes a field of Perlin noise: coherent noise in three dimensions, from 1791 draws of the calling thread's random
+ * generator (see ZLV40_AddGaussianNoise).
+ * Returns a handle, which the caller gives to ZLV40_DestroyPerlinNoise3D; or NULL with ZLV40_ERROR_OUT_OF_MEMORY.
+ * A field is not changed by its use: any number of threads may use it at once. Never reports progress. Works on the
+ * calling thread.
+ * Source: K. Perlin, "An image synthesizer", SIGGRAPH (1985). */
+#define ZLV40_InitializePerlinNoise3D _ZLV40_InitializePerlinNoise3D
+ZLV40_API void* ZLV40_InitializePerlinNoise3D(void);
+
+/* Frees a field of noise.
+ *   handle  of ZLV40_InitializePerlinNoise3D, not freed before; not NULL
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT for NULL. Never reports progress. Works on the calling thread. */
+#define ZLV40_DestroyPerlinNoise3D _ZLV40_DestroyPerlinNoise3D
+ZLV40_API uint32_t ZLV40_DestroyPerlinNoise3D(void* handle);
+
+/* Writes a plane through a field of noise as gray levels: at column x of row y trunc(v * 128 + 127), limited to 0..255,
+ * with the noise v, about -1..1, at the point (x * scale, y * scale, z). Points of whole numbers have no noise.
+ *   handle     of ZLV40_InitializePerlinNoise3D; not NULL
+ *   out        receives width * height bytes, row behind row without gaps; not NULL
+ *   width      samples a row, 1 or more
+ *   height     rows, 1 or more
+ *   rowStride  any; not looked at
+ *   scale      the distance of two pixels in the field, whose features have a size of about 1
+ *   z          the height of the plane
+ * Coordinates below -4096 give noise with a seam; what is not finite, 0.
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written), ZLV40_ERROR_COULD_NOT_RUN for a handle behind
+ * which there is no field any more (nothing is written), or ZLV40_ERROR_CANCELLED.
+ * Progress once a row; can be cancelled, rows done so far stay written. Works on the calling thread. */
+#define ZLV40_GetPerlinNoise3DSliceBYTE _ZLV40_GetPerlinNoise3DSliceBYTE
+ZLV40_API uint32_t ZLV40_GetPerlinNoise3DSliceBYTE(void* handle, uint8_t* out, uint32_t width, uint32_t height,
+                                                   uint32_t rowStride, double scale, double z);
+
+/* Writes a plane through a field of noise as numbers: the noise itself at (x * scale, y * scale, z). Arguments, errors
+ * and progress as with ZLV40_GetPerlinNoise3DSliceBYTE; out receives width * height doubles, NaN at points that are not
+ * finite. */
+#define ZLV40_GetPerlinNoise3DSliceDouble _ZLV40_GetPerlinNoise3DSliceDouble
+ZLV40_API uint32_t ZLV40_GetPerlinNoise3DSliceDouble(void* handle, double* out, uint32_t width, uint32_t height,
+                                                     uint32_t rowStride, double scale, double z);
+
+/* Writes a plane through a field of noise that is moved and turned. As ZLV40_GetPerlinNoise3DSliceDouble, but with
+ * a = x * scale + offsetX - pivotX and b = y * scale + offsetY - pivotY the point is
+ * (a * cos(angle) + b * sin(angle) + pivotX, b * cos(angle) - a * sin(angle) + pivotY, z).
+ *   offsetX, offsetY  of the first pixel, in the field
+ *   angle             of the turn, in radians
+ *   pivotX, pivotY    the point that stays where it is, in the field */
+#define ZLV40_GetPerlinNoise3DSliceDoubleEx _ZLV40_GetPerlinNoise3DSliceDoubleEx
+ZLV40_API uint32_t ZLV40_GetPerlinNoise3DSliceDoubleEx(void* handle, double* out, uint32_t width, uint32_t height,
+                                                       uint32_t rowStride, double scale, double z, double offsetX,
+                                                       double offsetY, double angle, double pivotX, double pivotY);
+
+/* Fills a gray image with Perlin noise: the plane at height 0 of a field that is made for this call and draws from the
+ * calling thread's random generator, also when an argument is refused.
+ *   out        receives width * height bytes, row behind row without gaps; not NULL
+ *   width      samples a row, 1 or more
+ *   height     rows, 1 or more
+ *   rowStride  any; not looked at
+ *   scale      the distance of two pixels in the field, whose features have a size of about 1
+ * Levels, errors and progress as with ZLV40_GetPerlinNoise3DSliceBYTE. The next call on a thread gives another
+ * field. */
+#define ZLV40_GeneratePerlinNoise _ZLV40_GeneratePerlinNoise
+ZLV40_API uint32_t ZLV40_GeneratePerlinNoise(uint8_t* out, uint32_t width, uint32_t height, int32_t rowStride,
+                                             double scale);
+
+/* Fills a gray image with value noise of several octaves. Each octave has one of eight integer hashes, dealt out anew
+ * by the calling thread's random generator, which is set to the system's tick count for that: two calls differ.
+ *   dst          receives height rows of width bytes; not NULL
+ *   width        samples a row, 1 or more
+ *   height       rows, 1 or more
+ *   rowStride    bytes from one row to the next; padding is not touched
+ *   octaves      one more than are summed, up to 8; 1 and less give an even 127
+ *   persistence  the amplitude of an octave is persistence to the power 0, 1, 2, ...
+ *   scale        the distance of two pixels, in points of the first octave's lattice; doubled from octave to octave
+ * The sum v, limited to -1..1, is written as 127 - trunc(v * -128), limited to 0..255; 0 where it is not a number. A
+ * hash is smoothed over 3 x 3 points of the lattice and blended between them by (1 - cos(t * 3.141596)) / 2.
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written, and the generator stays),
+ * ZLV40_ERROR_OUT_OF_MEMORY or ZLV40_ERROR_CANCELLED.
+ * Progress once a row; can be cancelled, rows done so far stay written. Works on the calling thread. */
+#define ZLV40_GenerateHugoNoise _ZLV40_GenerateHugoNoise
+ZLV40_API uint32_t ZLV40_GenerateHugoNoise(uint8_t* dst, uint32_t width, uint32_t height, uint32_t rowStride,
+                                           int32_t octaves, double persistence, double scale);
+
+/* What ZLV40_GenerateColoredNoise paints. The last four are added to a middle gray. */
+enum ZLV40_NoiseKind {
+    ZLV40_NOISE_PERLIN = 0,
+    ZLV40_NOISE_HUGO = 1,
+    ZLV40_NOISE_GAUSSIAN = 2,
+    ZLV40_NOISE_NEGATIVE_EXPONENTIAL = 3,
+    ZLV40_NOISE_RAYLEIGH = 4,
+    ZLV40_NOISE_UNIFORM = 5
+};
+
+/* Paints an RGB image with noise of one hue and saturation: the noise is the value of each pixel.
+ *   dst        receives height rows of width pixels of 3 bytes: red, green, blue; not NULL
+ *   width      pixels a row, 1 or more
+ *   height     rows, 1 or more
+ *   rowStride  bytes from one row to the next; padding is not touched
+ *   colour     red in the low byte, then green, then blue; its own value plays no part, and gray ones paint in gray
+ *   amount     0..100, larger ones are 100. Perlin and Hugo noise get finer with less: their scale is
+ *              1 - amount / 100 * 0.99; the others have a variance of 100 * amount
+ *   noiseKind  a ZLV40_NoiseKind
+ * Draws from the calling thread's random generator; Hugo noise (4 octaves, persistence 0.5) also sets it.
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY (nothing is written).
+ * Never reports progress, and can't be cancelled. Works on the calling thread. */
+#define ZLV40_GenerateColoredNoise _ZLV40_GenerateColoredNoise
+ZLV40_API uint32_t ZLV40_GenerateColoredNoise(uint8_t* dst, uint32_t width, uint32_t height, uint32_t rowStride,
+                                              uint32_t colour, uint32_t amount, uint32_t noiseKind);
+
+/* What ZLV40_GradientFillImageLinear does behind its start. Any other value mirrors too. */
+enum ZLV40_GradientMode { ZLV40_GRADIENT_MIRRORED = 0, ZLV40_GRADIENT_ONE_SIDED = 1 };
+
+/* Paints an image with colours that change along a line.
+ *   image           receives height rows of width pixels, 8 bits a sample, interleaved; not NULL
+ *   width, height   of the image; 0 is nothing to do
+ *   bytesPerPixel   channels, 1..4: so many of a colour's bytes are written, the first ones
+ *   rowStride       bytes from one row to the next; padding is not touched
+ *   startX, startY  in pixels: where 0 percent is; not the same point as the end
+ *   endX, endY      in pixels: where 100 percent is
+ *   colors          stopCount colours of four bytes; not NULL, only read
+ *   positions       stopCount percentages, limited to 0..100, in any order; not NULL, only read. Of stops at one
+ *                   position the first and the last one count, and the colour jumps between them
+ *   stopCount       2 or more
+ *   mode            ZLV40_GRADIENT_ONE_SIDED: behind the line through the start, at right angles to the gradient,
+ *                   pixels have the first stop's colour; otherwise the gradient is mirrored there
+ *   gamma           a fraction t of the way between two stops becomes t to the power gamma; 1 leaves it
+ *   flags           ZLV40_COLORS_AS_IMAGE; without it the first and the third byte of each colour are exchanged
+ * Before the first stop and behind the last one their colours hold; the pixel of the start has the first stop's. Blends
+ * are truncated. Where a point or gamma that is not a number leaves no colour, its bytes are 0.
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY (nothing is written), or
+ * ZLV40_ERROR_CANCELLED.
+ * Progress once a row; can be cancelled, rows done so far stay painted. Works on the calling thread. */
+#define ZLV40_GradientFillImageLinear _ZLV40_GradientFillImageLinear
+ZLV40_API uint32_t ZLV40_GradientFillImageLinear(uint8_t* image, uint32_t width, uint32_t height,
+                                                 uint32_t bytesPerPixel, uint32_t rowStride, double startX,
+                                                 double startY, double endX, double endY, const uint8_t* colors,
+                                                 const double* positions, uint32_t stopCount, uint32_t mode,
+                                                 double gamma, uint32_t flags);
+
+/* Paints an image with colours that change with the distance from a centre. As ZLV40_GradientFillImageLinear, but:
+ *   radius            in pixels, above 0: the distance of 100 percent
+ *   centerX, centerY  in pixels: where 0 percent is
+ *   mode              any; not looked at
+ * Beyond the radius the last stop's colour holds. Squared distances are numbers of 32 bits and wrap: pixels 46341 and
+ * more from the centre have other colours, or none, whose bytes are 0. */
+#define ZLV40_GradientFillImageRadial _ZLV40_GradientFillImageRadial
+ZLV40_API uint32_t ZLV40_GradientFillImageRadial(uint8_t* image, uint32_t width, uint32_t height,
+                                                 uint32_t bytesPerPixel, uint32_t rowStride, double radius,
+                                                 int32_t centerX, int32_t centerY, const uint8_t* colors,
+                                                 const double* positions, uint32_t stopCount, uint32_t mode,
+                                                 double gamma, uint32_t flags);
 
 #ifdef __cplusplus
 }

@@ -1,9 +1,14 @@
 """The exports as a table that tests and fuzz targets walk: what each argument is, and a way to call with any values.
 
+Exports with handles are left out: what a handle is, a table does not know.
+
 A row of arguments is an array of Value, one an argument; `call` hands them to the export with their own types.
 """
+import struct
+
 import description
 
+PACKED = {"u8": "<B", "i32": "<i", "u32": "<I", "f64": "<d"}
 ROLE_NAMES = {role: "Role::" + "".join(part.capitalize() for part in role.split("-")) for role in description.ROLES}
 
 
@@ -78,6 +83,9 @@ def argument_row(export, argument):
         parts.append(f".unsweptFlags = {unswept}u")
     if argument.role == "image":
         parts.append(f".image = {image_shape(export, argument)}")
+    if "values" in facts:
+        data = b"".join(struct.pack(PACKED[argument.element], number) for number in facts["values"])
+        parts.append(f".bytes = {{{', '.join(str(byte) for byte in data)}}}")
     return "        {" + ", ".join(parts) + "},"
 
 
@@ -90,6 +98,7 @@ def effect_row(export):
         f"     .channels = {{{channels}}},",
         f"     .reports = {'false' if facts['progress'] == 'none' else 'true'},",
         f"     .canCancel = {'true' if facts['cancel'] else 'false'},",
+        *(["     .repeats = false,"] if not facts.get("repeats", True) else []),
         f"     .cancelError = {description.ERRORS['CANCELLED'] if 'CANCELLED' in facts['errors'] else 0},",
         "     .arguments = {",
         *(argument_row(export, argument) for argument in export.arguments),

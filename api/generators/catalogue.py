@@ -73,7 +73,9 @@ def parameters_of_argument(argument, where):
 
 
 def slots_of(argument):
-    """How many values of a call an argument is made of: a flags argument with a mask has two."""
+    """How many values of a call an argument is made of: a flags argument with a mask has two, a fixed one none."""
+    if argument.facts.get("fixed"):
+        return 0
     return (argument.role in VALUE_ROLES) + (argument.role == "flags" and "mask" in argument.facts)
 
 
@@ -148,6 +150,10 @@ def argument_text(export, argument, images, slot):
     if argument.role in ("width", "height", "channels", "stride"):
         of = argument.facts.get("of", next(iter(images)))
         return f"static_cast<{argument.c_type}>(call.{images[of]}.{argument.role})"
+    if argument.facts.get("fixed") or argument.role == "count":
+        return f"static_cast<{argument.c_type}>({argument.facts['default']})"
+    if argument.role == "in" and "values" in argument.facts:
+        return argument.name
     if argument.role == "mask":
         return f"static_cast<{argument.c_type}>(call.Mask({slot}))"
     if argument.role in VALUE_ROLES:
@@ -166,13 +172,17 @@ def recipe_declaration(recipe):
 
 def call_function(export):
     images = images_of(export)
-    texts, slot = [], 0
+    texts, slot, arrays = [], 0, ""
     for argument in export.arguments:
+        if argument.role == "in" and "values" in argument.facts:
+            values = ", ".join(str(value) for value in argument.facts["values"])
+            element = description.SCALARS[argument.element]
+            arrays += f"    static constexpr {element} {argument.name}[] = {{{values}}};\n"
         texts.append(argument_text(export, argument, images, slot))
         slot += slots_of(argument)
     stem = export.name.removeprefix("ZLV40_")
     call = f"uint32_t Call{stem}(const EffectCall& call)"
-    body = f"{{\n    return {export.name}(\n        " + ",\n        ".join(texts) + ");\n}\n"
+    body = f"{{\n{arrays}    return {export.name}(\n        " + ",\n        ".join(texts) + ");\n}\n"
     if not is_warp(export):
         return f"{call}\n{body}"
     return (f"uint32_t Warp{stem}(uint32_t width, uint32_t height, std::span<const double> values)\n{body}\n"

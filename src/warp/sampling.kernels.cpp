@@ -1,7 +1,7 @@
 // Sampling at points between pixels: nearest, bilinear and bicubic.
 //
 // Everything is tested as a number before it becomes an index, and every test fails for NaN: such a point is outside.
-// The channels of a pixel go side by side, four at a time; the order of the operations within one is part of the result.
+// The channels of a pixel go side by side, four at a time; the order of operations within one is part of the result.
 #include "warp/sampling.kernels.h"
 
 #include "base/kernel_vectors.h"

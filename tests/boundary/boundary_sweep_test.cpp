@@ -89,6 +89,7 @@ TEST(BoundarySweep, AClientThatCancelsStopsWhatCanBeCancelled)
 TEST(BoundarySweep, TheSameInputGivesTheSameBytes)
 {
     ForEachEffect([](const DescribedEffect& effect, std::uint32_t channels) {
+        if (!effect.repeats) return;
         const DescribedCall first(effect, channels, Flush::ToStart), second(effect, channels, Flush::ToEnd);
         for (const DescribedCall* call : {&first, &second}) {
             std::thread([&] { EXPECT_EQ(call->Run(), 1u); }).join();

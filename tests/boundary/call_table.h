@@ -69,6 +69,7 @@ struct DescribedArgument {
     std::vector<FlagBit> flags = {};
     std::uint32_t unsweptFlags = 0;  // bits with which the call keeps to rules of its own
     DescribedImage image = {};
+    std::vector<std::uint8_t> bytes = {};  // of an array that is only read: what it holds by default
 };
 
 struct DescribedEffect {
@@ -76,6 +77,7 @@ struct DescribedEffect {
     std::vector<std::uint32_t> channels;
     bool reports;
     bool canCancel;
+    bool repeats = true;        // a call on a fresh thread gives the same bytes again
     std::uint32_t cancelError;  // 0: a cancel leaves no code
     std::vector<DescribedArgument> arguments;
     std::uint32_t (*call)(const Value* values);

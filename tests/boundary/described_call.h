@@ -72,6 +72,7 @@ private:
     Random random_{7};
     std::vector<std::unique_ptr<GuardedBuffer>> images_;
     std::vector<Layout> layouts_;
+    std::vector<std::unique_ptr<GuardedBuffer>> arrays_;
     std::vector<Bytes> before_;
 
     bool IsUntouched(std::size_t i) const
@@ -88,6 +89,7 @@ private:
         case Role::Height: values[i].integer = kHeight; break;
         case Role::Channels: values[i].integer = channels_; break;
         case Role::Stride: break;  // set with its image
+        case Role::In: values[i].pointer = NewArray(argument.bytes, flush); break;
         default:
             values[i].integer = std::uint64_t(std::int64_t(argument.default_));
             values[i].real = argument.default_;
@@ -110,6 +112,14 @@ private:
         std::uint8_t* const data = images_.back()->Data();
         for (std::size_t y = 0; y < height; ++y) FillRow(data + y * layout.stride, row, image.sampleBits);
         return data;
+    }
+
+    void* NewArray(const Bytes& bytes, Flush flush)
+    {
+        if (bytes.empty()) return nullptr;
+        arrays_.push_back(std::make_unique<GuardedBuffer>(bytes.size(), flush));
+        std::memcpy(arrays_.back()->Data(), bytes.data(), bytes.size());
+        return arrays_.back()->Data();
     }
 
     // Any bytes; reals from 0 to 1.

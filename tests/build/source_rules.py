@@ -15,6 +15,7 @@ ALLOWED_FLOORS = {
     "runtime": ("platform", "include"),
     "base": ("platform", "runtime", "include"),
     **{folder: ("platform", "runtime", "base", "include") for folder in EFFECT_FOLDERS},
+    "warp": ("platform", "runtime", "base", "generators", "include"),  # some warps carry a field of noise
     "tools": ("include", "generated"),
     "examples": ("include",),
     "bench": ("include", "platform", "runtime", "base", *EFFECT_FOLDERS),

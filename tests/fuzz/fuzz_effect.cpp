@@ -101,6 +101,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
         case Role::Width: value.integer = input.Size(40); break;
         case Role::Height: value.integer = input.Size(20); break;
         case Role::Channels: value.integer = input.Size(10); break;
+        case Role::In: break;
+        case Role::Count:
+            value.integer = input.Byte() % (std::uint64_t(effect.arguments[i].default_) + 1);  // arrays have so many
+            break;
         default:
             value.integer = input.Size(16);
             if (effect.arguments[i].costs) value.integer %= 1000;
@@ -122,6 +126,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
         values[i].pointer = buffers.back().get();
     });
     if (!isPossible) return 0;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const std::size_t size = effect.arguments[i].bytes.size();
+        if (size == 0 || input.Byte() % 8 == 7) continue;
+        buffers.push_back(zlvtest::FuzzBuffer(size, input));
+        values[i].pointer = buffers.back().get();
+    }
 
     ZLV40_SetCallback(KeepGoing, input.Byte() % 8);
     const std::uint32_t result = effect.call(values.data());

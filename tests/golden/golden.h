@@ -64,6 +64,7 @@ struct GoldenRow {
 std::vector<GoldenRow> AdaptiveGolden();
 std::vector<GoldenRow> EdgesGolden();
 std::vector<GoldenRow> FrequencyGolden();
+std::vector<GoldenRow> GenerateGolden();
 std::vector<GoldenRow> MedianGolden();
 std::vector<GoldenRow> MorphologyGolden();
 std::vector<GoldenRow> NoiseGolden();

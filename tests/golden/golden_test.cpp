@@ -18,6 +18,7 @@ std::vector<GoldenRow> AllRows()
     add(AdaptiveGolden());
     add(EdgesGolden());
     add(FrequencyGolden());
+    add(GenerateGolden());
     add(MedianGolden());
     add(MorphologyGolden());
     add(NoiseGolden());
