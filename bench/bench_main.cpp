@@ -158,7 +158,7 @@ int Main(int argc, char** argv)
     const auto families = {
         AdaptiveRows, BaseRows,   EdgesRows,      FilterRows, FrequencyRows, GaussianRows,
         GenerateRows, MedianRows, MorphologyRows, NoiseRows,  OverlayRows,   PaletteRows,
-        PolygonRows,  ResizeRows, SplineRows,     ToneRows,   WindowRows,
+        PolygonRows,  ResizeRows, SplineRows,     ToneRows,   WarpRows,      WindowRows,
     };
     for (const auto rowsOfFamily : families) {
         for (const BenchRow& row : rowsOfFamily()) {

@@ -67,6 +67,7 @@ std::vector<BenchRow> PolygonRows();
 std::vector<BenchRow> ResizeRows();
 std::vector<BenchRow> SplineRows();
 std::vector<BenchRow> ToneRows();
+std::vector<BenchRow> WarpRows();
 std::vector<BenchRow> WindowRows();
 
 // The same bytes on every run and machine.

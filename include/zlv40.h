@@ -129,6 +129,39 @@ enum ZLV40_EnhancementFlag {
     ZLV40_DARK_REGIONS = 256 /* regions darker than a part of the image's mean, instead of brighter ones */
 };
 
+/* The curves of ZLV40_AddPointAttractorTransform; any other value moves nothing. */
+enum ZLV40_Attraction {
+    ZLV40_ATTRACT_LINEAR = 0,
+    ZLV40_ATTRACT_SINE = 1,
+    ZLV40_ATTRACT_COSINE = 2,
+    ZLV40_ATTRACT_SQUARE = 3,
+    ZLV40_ATTRACT_CUBIC = 4,
+    ZLV40_ATTRACT_ARC = 5
+};
+
+/* How ZLV40_AddWowTransform grows towards the rim; any other value is linear, too. */
+enum ZLV40_Wow { ZLV40_WOW_LINEAR = 0, ZLV40_WOW_SINE = 1 };
+
+/* How the waves of ZLV40_AddRippleTransform change from the centre to the rim; any other value is even, too. */
+enum ZLV40_RippleFalloff {
+    ZLV40_RIPPLE_EVEN = 0,
+    ZLV40_RIPPLE_LINEAR = 1,
+    ZLV40_RIPPLE_SQUARE = 2,
+    ZLV40_RIPPLE_SINE = 3,
+    ZLV40_RIPPLE_COSINE = 4
+};
+
+/* What ZLV40_AddEllipticalTransform squeezes. */
+enum ZLV40_Squeeze { ZLV40_SQUEEZE_HORIZONTAL = 0, ZLV40_SQUEEZE_VERTICAL = 1, ZLV40_SQUEEZE_BOTH = 2 };
+
+/* What ZLV40_AddPolygonTransform squeezes; any other value is nothing. */
+enum ZLV40_PolygonWarp {
+    ZLV40_POLYGON_ROWS = 0,
+    ZLV40_POLYGON_COLUMNS = 1,
+    ZLV40_POLYGON_BOTH = 2,
+    ZLV40_POLYGON_ROWS_AGAIN = 5 /* the same as ROWS */
+};
+
 enum { ZLV40_VERSION_BYTES = 20 /* what ZLV40_GetLibVersion writes */ };
 
 /* A position: x to the right, y down. */
@@ -728,11 +761,13 @@ ZLV40_API uint32_t ZLV40_CannyEdgeDetector(const uint8_t* src, uint32_t width, u
  * picture through all of them as often as wanted, ZLV40_ClearAllTransforms empties it.
  * A warp says where a pixel comes from. Every pixel's own position goes through the list from the first warp to the
  * last one, and the picture is read where it arrives: the warp that was added last acts on the picture first. Pixel
- * (0, 0) is at the top left, x grows to the right and y down, whole coordinates are pixels. Where a warp calls a
- * position outside, its way ends: the pixel gets the fill.
+ * (0, 0) is at the top left, x grows to the right and y down, whole coordinates are pixels. A warp calling a position
+ * outside ends its way: the pixel gets the fill.
  * width and height of an Add function are those of the pictures to come; the warp's centre is
  * ((width - 1) / 2, (height - 1) / 2), and its half diagonal is the distance from there to a corner. A list may be used
  * with pictures of another size: nothing but the result depends on it. Angles are in degrees, lengths in pixels.
+ * Arguments that are no number lead to positions that are none, and those are outside; a radius that is none holds no
+ * position.
  * Add functions return 1; or 0 with ZLV40_ERROR_OUT_OF_MEMORY or the code that they name, and the list as it was. They
  * report no progress. */
 
@@ -776,6 +811,29 @@ ZLV40_API uint32_t ZLV40_TransformProcess(const uint8_t* src, uint32_t width, ui
                                           uint8_t* dst, uint32_t dstRowStride, int32_t bytesPerPixel, uint32_t flags,
                                           uint32_t background);
 
+/* Squeezes the picture into an ellipse with the picture's centre, moved by the offset: rows, columns or both are each
+ * stretched from the width that the ellipse has there to the whole size. Positions outside the ellipse, and those that
+ * are outside the picture's frame moved by the offset, are outside.
+ *   semiAxisX, semiAxisY  half the ellipse's width and height in pixels; their signs do not matter. 0 is refused with
+ *                         ZLV40_ERROR_BAD_ARGUMENT
+ *   offsetX, offsetY      of the frame to the right and down
+ *   mode                  a ZLV40_SQUEEZE_ value. Below 0 nothing is squeezed or moved, and the frame's outside is
+ *                         outside all the same; above them it is refused with ZLV40_ERROR_BAD_ARGUMENT
+ * An empty width or height is taken for an empty frame, of which the position of the offset alone is inside. */
+#define ZLV40_AddEllipticalTransform _ZLV40_AddEllipticalTransform
+ZLV40_API uint32_t ZLV40_AddEllipticalTransform(uint32_t width, uint32_t height, double semiAxisX, double semiAxisY,
+                                                int32_t offsetX, int32_t offsetY, int32_t mode);
+
+/* Magnifies a round area: a position at the distance r from the centre comes from r * sin(pi / 2 * r / half diagonal).
+ * The radius limits the area only; the bend depends on the picture's size. (Straight above and below the centre x is
+ * moved by offsetX on top.)
+ *   radius            of the area, the rim included; 0 and an empty width or height are refused with
+ *                     ZLV40_ERROR_BAD_ARGUMENT; below 0 and for NaN no point is in it
+ *   offsetX, offsetY  of the centre to the right and down */
+#define ZLV40_AddLensTransform _ZLV40_AddLensTransform
+ZLV40_API uint32_t ZLV40_AddLensTransform(uint32_t width, uint32_t height, double radius, int32_t offsetX,
+                                          int32_t offsetY);
+
 /* Shifts the picture by shiftX to the right and shiftY down.
  *   wrap  a ZLV40_WRAP_ value: on these axes what is below 0 is moved by the picture's size once, and then what is
  *         above the last pixel is moved back once */
@@ -783,11 +841,90 @@ ZLV40_API uint32_t ZLV40_TransformProcess(const uint8_t* src, uint32_t width, ui
 ZLV40_API uint32_t ZLV40_AddOffsetTransform(uint32_t width, uint32_t height, double shiftX, double shiftY,
                                             uint32_t wrap);
 
+/* Pinches a round area: a position at the distance r from the centre comes from r + strength * (1 - r / half diagonal),
+ * but never from beyond the centre.
+ *   radius            as for the lens
+ *   strength          in pixels: above 0 the picture shrinks towards the centre, below 0 it grows
+ *   offsetX, offsetY  of the centre to the right and down */
+#define ZLV40_AddPinchTransform _ZLV40_AddPinchTransform
+ZLV40_API uint32_t ZLV40_AddPinchTransform(uint32_t width, uint32_t height, double radius, double strength,
+                                           int32_t offsetX, int32_t offsetY);
+
+/* Draws the whole picture towards a centre or drives it away: a position at the distance r from the centre comes from
+ * r + strength * s, but never from beyond the centre. The centre itself stays. With u = r / half diagonal, f = the
+ * frequency and w = u - 0.7, s is
+ *   ZLV40_ATTRACT_LINEAR  1 - u f                    ZLV40_ATTRACT_SQUARE  -u f + (u f)^2
+ *   ZLV40_ATTRACT_SINE    sin(pi u f)                ZLV40_ATTRACT_CUBIC   (18 w^3 + 12 w^2 + w - 2) / 2 + 1.5
+ *   ZLV40_ATTRACT_COSINE  cos(pi u f) / 2 + 1 / 2    ZLV40_ATTRACT_ARC     atan(u f)
+ * and 0 for any other mode.
+ *   strength          in pixels
+ *   offsetX, offsetY  of the centre to the right and down
+ *   mode              a ZLV40_ATTRACT_ value
+ * An empty width or height is refused with ZLV40_ERROR_BAD_ARGUMENT. */
+#define ZLV40_AddPointAttractorTransform _ZLV40_AddPointAttractorTransform
+ZLV40_API uint32_t ZLV40_AddPointAttractorTransform(uint32_t width, uint32_t height, double strength, int32_t offsetX,
+                                                    int32_t offsetY, uint32_t mode, double frequency);
+
+/* Squeezes the picture into a convex polygon: each of its rows is stretched to the whole width, each of its columns to
+ * the whole height, or both. What is outside the polygon, or the picture, is outside.
+ *   polygon     pointCount points, in any order: their convex hull counts. Not kept. It is refused with
+ *               ZLV40_ERROR_BAD_ARGUMENT when it is NULL, has fewer than three points, has them all in a line, covers
+ *               no pixel's centre or billions of rows; so it is without memory for its rows
+ *   mode        a ZLV40_POLYGON_ value. A span's ends are inside when rows alone are squeezed, otherwise outside. Any
+ *               other value changes nothing but that the picture's outside is outside
+ * An empty width or height is taken for a picture of one point, (0, 0). */
+#define ZLV40_AddPolygonTransform _ZLV40_AddPolygonTransform
+ZLV40_API uint32_t ZLV40_AddPolygonTransform(uint32_t width, uint32_t height, const point* polygon, uint32_t pointCount,
+                                             uint32_t mode);
+
+/* Scatters the pixels: each position moves by random amounts in x and y, above -amount / 2 and up to amount / 2, in
+ * steps of a thousandth of it. Seeds this thread's random generator with the time in seconds, and draws from it with
+ * every use, two numbers for each position that gets here: no two runs are alike.
+ * An empty width or height is refused with ZLV40_ERROR_BAD_ARGUMENT. */
+#define ZLV40_AddRandomTransform _ZLV40_AddRandomTransform
+ZLV40_API uint32_t ZLV40_AddRandomTransform(uint32_t width, uint32_t height, double amount);
+
+/* Rings like those on water: with t = r / radius, a position at the distance r from the centre comes from
+ * r + amplitude * sin(pi t frequency) * weight, beyond the centre if that is below 0.
+ *   radius            of the area, the rim and the centre included; 0 is refused with ZLV40_ERROR_BAD_ARGUMENT; below 0
+ *                     and for NaN no point is in it
+ *   amplitude         in pixels
+ *   frequency         half waves from the centre to the rim
+ *   offsetX, offsetY  of the centre to the right and down
+ *   falloff           a ZLV40_RIPPLE_ value: the weight is 1 (even), 1 - t (linear), (1 - t)^2 (square),
+ *                     sin(pi t / 2) (sine) or cos(pi t / 2) (cosine)
+ * An empty width or height is taken: the centre is at the offset from (0, 0) then. */
+#define ZLV40_AddRippleTransform _ZLV40_AddRippleTransform
+ZLV40_API uint32_t ZLV40_AddRippleTransform(uint32_t width, uint32_t height, double radius, double amplitude,
+                                            double frequency, double offsetX, double offsetY, uint32_t falloff);
+
+/* Turns a round area, in its centre by the whole angle and less and less towards the rim.
+ *   radius            as for the lens
+ *   angleDegrees      above 0 what is seen turns counterclockwise
+ *   offsetX, offsetY  of the centre to the right and down */
+#define ZLV40_AddSpinTransform _ZLV40_AddSpinTransform
+ZLV40_API uint32_t ZLV40_AddSpinTransform(uint32_t width, uint32_t height, double radius, double angleDegrees,
+                                          int32_t offsetX, int32_t offsetY);
+
+/* Turns a round area in waves: at the distance r from the centre by angleDegrees * (1 - q cos(q frequency)), with
+ * q = r / radius. Everything else is as for ZLV40_AddSpinTransform. */
+#define ZLV40_AddSpinWaveTransform _ZLV40_AddSpinWaveTransform
+ZLV40_API uint32_t ZLV40_AddSpinWaveTransform(uint32_t width, uint32_t height, double radius, double angleDegrees,
+                                              double frequency, int32_t offsetX, int32_t offsetY);
+
 /* Warps by a function of the client's. width and height are not looked at.
  *   callback  not NULL, or ZLV40_ERROR_BAD_ARGUMENT
  *   userData  handed to every call of it */
 #define ZLV40_AddUserTransform _ZLV40_AddUserTransform
 ZLV40_API uint32_t ZLV40_AddUserTransform(uint32_t width, uint32_t height, ZLVWarpFunction callback, void* userData);
+
+/* Blows the picture's middle up: a position at the distance r from the centre comes from (1 - g) * r, with
+ * g = r / half diagonal or, for ZLV40_WOW_SINE, g = sin(pi / 8 * r / half diagonal). Beyond the half diagonal the first
+ * one is on the other side of the centre.
+ *   radius  as for the lens
+ *   mode    a ZLV40_WOW_ value */
+#define ZLV40_AddWowTransform _ZLV40_AddWowTransform
+ZLV40_API uint32_t ZLV40_AddWowTransform(uint32_t width, uint32_t height, double radius, uint32_t mode);
 
 /* ---- Frequencies -------------------------------------------------------------------------------------------- */
 

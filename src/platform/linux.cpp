@@ -373,6 +373,8 @@ TimeOfDay LocalTime()
     return {u32(local.tm_hour), u32(local.tm_min), u32(local.tm_sec)};
 }
 
+u32 SecondsSince1970() { return u32(time(nullptr)); }
+
 // ---- The entry point ------------------------------------------------------------------------------------------
 
 namespace {

@@ -103,6 +103,9 @@ struct TimeOfDay {
 };
 [[nodiscard]] TimeOfDay LocalTime();
 
+// The calendar's time; wraps in 2106.
+[[nodiscard]] u32 SecondsSince1970();
+
 // ---- The entry point ------------------------------------------------------------------------------------------
 
 // Called by the system's loader through the entry point of each system; the runtime defines both.

@@ -253,6 +253,15 @@ TimeOfDay LocalTime()
     return {time.wHour, time.wMinute, time.wSecond};
 }
 
+// Windows counts tenths of microseconds since 1601.
+u32 SecondsSince1970()
+{
+    constexpr u64 kTicksInSecond = 10'000'000, kSecondsUpTo1970 = 11'644'473'600;
+    FILETIME time;
+    ::GetSystemTimeAsFileTime(&time);
+    return u32((u64(time.dwHighDateTime) << 32 | time.dwLowDateTime) / kTicksInSecond - kSecondsUpTo1970);
+}
+
 // ---- The entry point ------------------------------------------------------------------------------------------
 
 namespace {

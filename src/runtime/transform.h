@@ -20,8 +20,18 @@ public:
     CZLVTransform() = delete;
 
     class CXFormer;
+    class CEllipsePoints;
+    class CLensPoints;
     class COffsetPoints;
+    class CPinchPoints;
+    class CPointAttractor;
+    class CPolygonPoints;
+    class CRandomPoints;
+    class CRipplePoints;
+    class CSpinPoints;
+    class CSpinWavePoints;
     class CUserPoints;
+    class CWowPoints;
 };
 
 // Where the points of a warped image come from: one step of the way back.

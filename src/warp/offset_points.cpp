@@ -32,6 +32,7 @@ private:
         return coordinate > f64(size) - 1 ? coordinate - size : coordinate;
     }
 
+protected:
     f64 shiftX = 0;
     f64 shiftY = 0;
     u32 wrap = 0;

@@ -9,7 +9,8 @@ namespace {
 void SetPixels(PointRun& run, u32 x, u32 y, u32 count)
 {
     run.count = count;
-    for (u32 i = 0; i < count; ++i) run.x[i] = f64(x) + i;
+    const f64 firstX = x;
+    for (i32 i = 0; i < i32(count); ++i) run.x[i] = firstX + i;  // signed: conversions that vectors have
     for (u32 i = 0; i < count; ++i) run.y[i] = y;
     std::memset(run.isLost, 0, count);
 }

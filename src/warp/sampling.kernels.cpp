@@ -4,7 +4,7 @@
 // The channels of a pixel go side by side, four at a time; the order of operations within one is part of the result.
 #include "warp/sampling.kernels.h"
 
-#include "base/kernel_vectors.h"
+#include "warp/kernel_lane_bits.h"
 #include "warp/kernel_pixel_quad.h"
 
 namespace zlv {
@@ -67,14 +67,28 @@ void ForQuads(const SampledRun& run, Make make)
 // Any fraction above a rounding error selects the next pixel.
 constexpr f64 kAlmostOne = 0.9999999999;
 
+constexpr u32 kPointsTogether = 64;
+constexpr i32 kOutside = -1;
+
+// Along one axis, the pixels of some points: kOutside, or an index of an image that a 32-bit integer can count.
+void FindNearest(const f64* coordinates, u32 count, f64 size, i32* indices)
+{
+    for (u32 i = 0; i < count; ++i) {
+        const f64 v = coordinates[i], up = v + kAlmostOne, limited = up > size - 1 ? size - 1 : up;
+        const bool isInside = (v >= 0) & (v <= size);
+        indices[i] = i32(isInside ? limited : f64(kOutside));
+    }
+}
+
 u32 NearestIndex(f64 coordinate, u32 size)
 {
     const i64 index = i64(coordinate + kAlmostOne);
     return index > i64(size) - 1 ? size - 1 : u32(index);
 }
 
+// Images of any size, point by point.
 template <u32 kChannels>
-void Nearest(const SampledRun& run)
+void NearestOneByOne(const SampledRun& run)
 {
     const f64 width = run.width, height = run.height;
     ForPixels<kChannels>(run, [&](u32 i, u8* to) {
@@ -84,6 +98,75 @@ void Nearest(const SampledRun& run)
         std::memcpy(to, run.src + offset, kChannels ? kChannels : run.channels);
     });
 }
+
+template <u32 kChannels>
+void Nearest(const SampledRun& run)
+{
+    constexpr u32 kCountable = 0x7FFFFFFF;
+    if (run.width > kCountable || run.height > kCountable) return NearestOneByOne<kChannels>(run);
+    const u32 channels = kChannels ? kChannels : run.channels;
+    u8* to = run.to;
+    for (u32 from = 0; from < run.count; from += kPointsTogether) {
+        const u32 count = run.count - from < kPointsTogether ? run.count - from : kPointsTogether;
+        i32 columns[kPointsTogether], rows[kPointsTogether];
+        FindNearest(run.x + from, count, run.width, columns);
+        FindNearest(run.y + from, count, run.height, rows);
+        for (u32 i = 0; i < count; ++i, to += channels) {
+            if (run.isLost[from + i] | ((columns[i] | rows[i]) < 0)) Fill(run, to).Write(to);
+            else std::memcpy(to, run.src + OffsetOf(run, u32(columns[i]), u32(rows[i])), channels);
+        }
+    }
+}
+
+// ---- Points amid the picture ------------------------------------------------------------------------------------
+
+// The pixels around a point, from kBefore before it to kBehind behind it along both axes, where all of them are inside
+// and four bytes can be read at each.
+struct Block {
+    const u8* first = nullptr;  // null where the point is none of these
+    f64 fractionX = 0, fractionY = 0;
+};
+
+template <u32 kBefore, u32 kBehind>
+class Blocks {
+public:
+    explicit Blocks(const SampledRun& run)
+        : run_(run),
+          right_(f64(run.width) - kBehind),
+          bottom_(f64(run.height) - kBehind),
+          reach_((kBefore + kBehind) * (u64(run.srcStride) + run.channels) + 4),
+          bytes_(IsCountable(run) ? run.srcBytes : 0)
+    {
+    }
+
+    Block At(u32 i) const
+    {
+        const f64 x = run_.x[i], y = run_.y[i];
+        Block block;
+        if (!(x >= kBefore && x < right_ && y >= kBefore && y < bottom_) || run_.isLost[i]) return block;
+        const u64 column = u64(i64(x)), row = u64(i64(y));
+        block.fractionX = x - f64(i64(column));
+        block.fractionY = y - f64(i64(row));
+        if (block.fractionX > kMostFraction || block.fractionY > kMostFraction) return block;
+        const u64 offset = (row - kBefore) * run_.srcStride + (column - kBefore) * run_.channels;
+        if (offset + reach_ <= bytes_) block.first = run_.src + offset;
+        return block;
+    }
+
+private:
+    // No offset wraps, and the coordinates of all pixels are far less precise than the fractions below.
+    static bool IsCountable(const SampledRun& run)
+    {
+        return run.srcBytes <= u64(1) << 32 && run.width < 1u << 31 && run.height < 1u << 31;
+    }
+
+    // A whole number added to a larger one may be rounded to the next pixel's.
+    static constexpr f64 kMostFraction = 1 - 0x1p-20;
+
+    const SampledRun& run_;
+    const f64 right_, bottom_;
+    const u64 reach_, bytes_;
+};
 
 // ---- Bilinear ---------------------------------------------------------------------------------------------------
 
@@ -107,34 +190,44 @@ struct LinearTaps {
     bool HasFraction() const { return fraction >= 0; }
 };
 
+Quad MixLinear(const Quad taps[4], f64 fx, f64 fy)
+{
+    return taps[0] * (1 - fx) * (1 - fy) + taps[1] * fx * (1 - fy) + taps[2] * fx * fy + taps[3] * (1 - fx) * fy;
+}
+
+// Any point, with tests for each of its taps.
+template <u32 kChannels>
+[[gnu::noinline]] void WriteLinear(const SampledRun& run, u32 i, u8* to)
+{
+    const LinearTaps columns(run.x[i], run.width, run.isLost[i]), rows(run.y[i], run.height, run.isLost[i]);
+    const Fill filler(run, to);
+    if (!columns.HasFraction() || !rows.HasFraction()) return filler.Write(to);
+    const u32 offsets[] = {OffsetOf(run, columns.first, rows.first), OffsetOf(run, columns.second, rows.first),
+                           OffsetOf(run, columns.second, rows.second), OffsetOf(run, columns.first, rows.second)};
+    const bool areOut[] = {columns.isFirstOut || rows.isFirstOut, columns.isSecondOut || rows.isFirstOut,
+                           columns.isSecondOut || rows.isSecondOut, columns.isFirstOut || rows.isSecondOut};
+    ForQuads<kChannels>(run, [&](u32 c, u32 count) {
+        u8 fill[4] = {};
+        filler.Load(c, count, fill);
+        Quad taps[4];
+        for (u32 t = 0; t < 4; ++t) {
+            taps[t] = areOut[t] ? Quad::Of(fill) : LoadQuad(run.src, run.srcBytes, u64(offsets[t]) + c, count);
+        }
+        MixLinear(taps, columns.fraction, rows.fraction).Write(to + c, count);
+    });
+}
+
 template <u32 kChannels>
 void Bilinear(const SampledRun& run)
 {
+    const Blocks<0, 1> blocks(run);
     ForPixels<kChannels>(run, [&](u32 i, u8* to) {
-        const LinearTaps columns(run.x[i], run.width, run.isLost[i]), rows(run.y[i], run.height, run.isLost[i]);
-        const Fill filler(run, to);
-        if (!columns.HasFraction() || !rows.HasFraction()) return filler.Write(to);
-        const f64 fx = columns.fraction, fy = rows.fraction;
-        const u32 offsets[] = {OffsetOf(run, columns.first, rows.first), OffsetOf(run, columns.second, rows.first),
-                               OffsetOf(run, columns.second, rows.second), OffsetOf(run, columns.first, rows.second)};
-        const bool isInside = !(columns.isFirstOut | columns.isSecondOut | rows.isFirstOut | rows.isSecondOut);
-        const bool areOut[] = {columns.isFirstOut || rows.isFirstOut, columns.isSecondOut || rows.isFirstOut,
-                               columns.isSecondOut || rows.isSecondOut, columns.isFirstOut || rows.isSecondOut};
-        ForQuads<kChannels>(run, [&](u32 c, u32 count) {
-            Quad taps[4];
-            if (isInside) {
-                for (u32 t = 0; t < 4; ++t) taps[t] = LoadQuad(run.src, run.srcBytes, u64(offsets[t]) + c, count);
-            } else {
-                u8 fill[4] = {};
-                filler.Load(c, count, fill);
-                for (u32 t = 0; t < 4; ++t) {
-                    taps[t] = areOut[t] ? Quad::Of(fill) : LoadQuad(run.src, run.srcBytes, u64(offsets[t]) + c, count);
-                }
-            }
-            const Quad sum =
-                taps[0] * (1 - fx) * (1 - fy) + taps[1] * fx * (1 - fy) + taps[2] * fx * fy + taps[3] * (1 - fx) * fy;
-            sum.Write(to + c, count);
-        });
+        const Block block = kChannels ? blocks.At(i) : Block();
+        if (!block.first) return WriteLinear<kChannels>(run, i, to);
+        const u8* const below = block.first + run.srcStride;
+        const Quad taps[4] = {Quad::Of(block.first), Quad::Of(block.first + kChannels), Quad::Of(below + kChannels),
+                              Quad::Of(below)};
+        MixLinear(taps, block.fractionX, block.fractionY).Write(to, kChannels);
     });
 }
 
@@ -170,60 +263,66 @@ struct CubicTaps {
     }
 
     bool HasAny() const { return areInside[0] | areInside[1] | areInside[2] | areInside[3]; }
-    bool HasAll() const { return areInside[0] & areInside[1] & areInside[2] & areInside[3]; }
 };
+
+// Any point, with tests for each of its taps.
+template <u32 kChannels>
+[[gnu::noinline]] void WriteCubic(const SampledRun& run, u32 i, u8* to)
+{
+    const CubicTaps columns(run.x[i], run.width, run.isLost[i]), rows(run.y[i], run.height, run.isLost[i]);
+    const Fill filler(run, to);
+    // Sixteen times the fill is the fill.
+    if (!columns.HasAny() || !rows.HasAny()) return filler.Write(to);
+    const CubicWeights across(columns.fraction), down(rows.fraction);
+    ForQuads<kChannels>(run, [&](u32 c, u32 count) {
+        u8 fill[4] = {};
+        filler.Load(c, count, fill);
+        const auto tap = [&](u32 row, u32 column) {
+            if (!(rows.areInside[row] && columns.areInside[column])) return Quad::Of(fill);
+            const u64 offset = u64(OffsetOf(run, columns.indices[column], rows.indices[row])) + c;
+            return LoadQuad(run.src, run.srcBytes, offset, count);
+        };
+        Quad sums[4];
+        for (u32 row = 0; row < 4; ++row) sums[row] = across.Sum(tap(row, 0), tap(row, 1), tap(row, 2), tap(row, 3));
+        (down.Sum(sums[0], sums[1], sums[2], sums[3]) + 0.5).Write(to + c, count);
+    });
+}
 
 template <u32 kChannels>
 void Bicubic(const SampledRun& run)
 {
+    const Blocks<1, 2> blocks(run);
     ForPixels<kChannels>(run, [&](u32 i, u8* to) {
-        const CubicTaps columns(run.x[i], run.width, run.isLost[i]), rows(run.y[i], run.height, run.isLost[i]);
-        const Fill filler(run, to);
-        // Sixteen times the fill is the fill.
-        if (!columns.HasAny() || !rows.HasAny()) return filler.Write(to);
-        const CubicWeights across(columns.fraction), down(rows.fraction);
-        const bool isInside = columns.HasAll() && rows.HasAll();
-        ForQuads<kChannels>(run, [&](u32 c, u32 count) {
-            u8 fill[4] = {};
-            if (!isInside) filler.Load(c, count, fill);
-            const auto tap = [&](u32 row, u32 column) {
-                if (!isInside && !(rows.areInside[row] && columns.areInside[column])) return Quad::Of(fill);
-                const u64 offset = u64(OffsetOf(run, columns.indices[column], rows.indices[row])) + c;
-                return LoadQuad(run.src, run.srcBytes, offset, count);
-            };
-            Quad sums[4];
-            for (u32 row = 0; row < 4; ++row) {
-                sums[row] = across.Sum(tap(row, 0), tap(row, 1), tap(row, 2), tap(row, 3));
-            }
-            (down.Sum(sums[0], sums[1], sums[2], sums[3]) + 0.5).Write(to + c, count);
-        });
+        const Block block = kChannels ? blocks.At(i) : Block();
+        if (!block.first) return WriteCubic<kChannels>(run, i, to);
+        const CubicWeights across(block.fractionX), down(block.fractionY);
+        const auto sumOf = [&](u32 row) {
+            const u8* const four = block.first + size_t(row) * run.srcStride;
+            return across.Sum(Quad::Of(four), Quad::Of(four + kChannels), Quad::Of(four + 2 * kChannels),
+                              Quad::Of(four + 3 * kChannels));
+        };
+        (down.Sum(sumOf(0), sumOf(1), sumOf(2), sumOf(3)) + 0.5).Write(to, kChannels);
     });
 }
 
 // ---- Points that have not moved ---------------------------------------------------------------------------------
 
-#ifdef ZLV_PORTABLE
-constexpr u32 kPointsAtOnce = 1;
-#else
-constexpr u32 kPointsAtOnce = Lanes<f64>::kCount;
-#endif
-
-// Bit i for point i.
-u32 HomeBits(const f64* x, const f64* y, f64 homeX, f64 homeY)
+Reals Counting()
 {
-    u32 bits = 0;
-    for (u32 i = 0; i < kPointsAtOnce; ++i) bits |= u32((x[i] == homeX + i) & (y[i] == homeY)) << i;
-    return bits;
+    Reals counts;
+    for (u32 lane = 0; lane < kRealLanes; ++lane) counts[lane] = lane;
+    return counts;
 }
 
 // Up to the first point whose being at home differs from `isHome`.
 template <bool isHome>
 u32 CountWhile(const f64* x, const f64* y, u32 count, f64 homeX, f64 homeY)
 {
-    constexpr u32 kAll = (1u << kPointsAtOnce) - 1;
+    const Reals counting = Counting();
     u32 i = 0;
-    for (; i + kPointsAtOnce <= count; i += kPointsAtOnce) {
-        const u32 bits = HomeBits(x + i, y + i, homeX + i, homeY) ^ (isHome ? kAll : 0);
+    for (; i + kRealLanes <= count; i += kRealLanes) {
+        const RealLanes atHome = (Load<Reals>(x + i) == homeX + i + counting) & (Load<Reals>(y + i) == homeY);
+        const u32 bits = BitsOf(atHome) ^ (isHome ? kAllLanes : 0);
         if (bits) return i + u32(__builtin_ctz(bits));
     }
     for (; i < count; ++i) {

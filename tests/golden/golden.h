@@ -69,6 +69,7 @@ std::vector<GoldenRow> MedianGolden();
 std::vector<GoldenRow> MorphologyGolden();
 std::vector<GoldenRow> NoiseGolden();
 std::vector<GoldenRow> ToneGolden();
+std::vector<GoldenRow> WarpGolden();
 std::vector<GoldenRow> WindowGolden();
 
 // The base layer, a file a topic.

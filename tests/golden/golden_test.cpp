@@ -23,6 +23,7 @@ std::vector<GoldenRow> AllRows()
     add(MorphologyGolden());
     add(NoiseGolden());
     add(ToneGolden());
+    add(WarpGolden());
     add(WindowGolden());
 #ifdef ZLV_TESTS_SEE_INSIDE
     add(BufferGolden());

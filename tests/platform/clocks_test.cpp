@@ -31,5 +31,11 @@ TEST(LocalTime, IsTheTimeOfDayHere)
     EXPECT_LE(late, 5);
 }
 
+TEST(SecondsSince1970, AreThoseOfTheCalendar)
+{
+    const u32 wanted = u32(std::time(nullptr));
+    EXPECT_LE(SecondsSince1970() - wanted, 5u);
+}
+
 }  // namespace
 }  // namespace zlv::platform

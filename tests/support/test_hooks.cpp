@@ -24,6 +24,8 @@ bool RealSetSlot(SlotIndex, void*) __asm__("__real__ZN3zlv8platform7SetSlotEjPv"
 bool WrapSetSlot(SlotIndex, void*) __asm__("__wrap__ZN3zlv8platform7SetSlotEjPv");
 TimeOfDay RealLocalTime() __asm__("__real__ZN3zlv8platform9LocalTimeEv");
 TimeOfDay WrapLocalTime() __asm__("__wrap__ZN3zlv8platform9LocalTimeEv");
+std::uint32_t RealSeconds() __asm__("__real__ZN3zlv8platform16SecondsSince1970Ev");
+std::uint32_t WrapSeconds() __asm__("__wrap__ZN3zlv8platform16SecondsSince1970Ev");
 
 namespace zlvtest {
 
@@ -31,6 +33,8 @@ namespace {
 
 thread_local const TimeOfDay* fixedTime = nullptr;
 thread_local TimeOfDay fixedTimeValue;
+thread_local const std::uint32_t* fixedSeconds = nullptr;
+thread_local std::uint32_t fixedSecondsValue;
 
 struct Order {
     bool isGiven = false;
@@ -71,6 +75,14 @@ FixedTime::FixedTime(std::uint32_t hours, std::uint32_t minutes, std::uint32_t s
 
 FixedTime::~FixedTime() { fixedTime = nullptr; }
 
+FixedSeconds::FixedSeconds(std::uint32_t since1970)
+{
+    fixedSecondsValue = since1970;
+    fixedSeconds = &fixedSecondsValue;
+}
+
+FixedSeconds::~FixedSeconds() { fixedSeconds = nullptr; }
+
 }  // namespace zlvtest
 
 using zlvtest::FailingCalls;
@@ -94,3 +106,5 @@ bool WrapSetSlot(SlotIndex slot, void* value)
 }
 
 TimeOfDay WrapLocalTime() { return zlvtest::fixedTime ? *zlvtest::fixedTime : RealLocalTime(); }
+
+std::uint32_t WrapSeconds() { return zlvtest::fixedSeconds ? *zlvtest::fixedSeconds : RealSeconds(); }

@@ -31,4 +31,13 @@ public:
     FixedTime& operator=(const FixedTime&) = delete;
 };
 
+// While it lives, the platform's calendar shows this second.
+class FixedSeconds {
+public:
+    explicit FixedSeconds(std::uint32_t since1970);
+    ~FixedSeconds();
+    FixedSeconds(const FixedSeconds&) = delete;
+    FixedSeconds& operator=(const FixedSeconds&) = delete;
+};
+
 }  // namespace zlvtest

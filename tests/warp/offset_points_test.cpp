@@ -1,35 +1,7 @@
-#include "warp/warp_support.h"
-
-#include <limits>
+#include "warp/warp_cases.h"
 
 namespace zlvtest {
 namespace {
-
-PlainStep PlainOffset(double shiftX, double shiftY, std::uint32_t wrap, std::uint32_t width, std::uint32_t height)
-{
-    return [=](double x, double y, double* outX, double* outY) {
-        const auto corrected = [](double v, double n) {
-            if (v < 0) v += n;
-            if (v > n - 1) v -= n;
-            return v;
-        };
-        *outX = x - shiftX;
-        *outY = y - shiftY;
-        if (wrap == 1 || wrap == 2) *outX = corrected(*outX, width);
-        if (wrap == 1 || wrap == 3) *outY = corrected(*outY, height);
-        return true;
-    };
-}
-
-WarpCase Offset(double shiftX, double shiftY, std::uint32_t wrap)
-{
-    return {
-        Join("offset", shiftX, shiftY, wrap),
-        [=](std::uint32_t width, std::uint32_t height) {
-            return ZLV40_AddOffsetTransform(width, height, shiftX, shiftY, wrap);
-        },
-        [=](std::uint32_t width, std::uint32_t height) { return PlainOffset(shiftX, shiftY, wrap, width, height); }};
-}
 
 TEST(OffsetPoints, EveryTargetEqualsPlain)
 {
@@ -38,8 +10,8 @@ TEST(OffsetPoints, EveryTargetEqualsPlain)
         for (const double shift : {0.0, 1.0, -1.0, 2.5, -0.3, 12.0, 1000.0})
             cases.push_back(Offset(shift, -shift, wrap));
     }
-    cases.push_back(Offset(std::numeric_limits<double>::quiet_NaN(), 1, 1));
-    cases.push_back(Offset(1, std::numeric_limits<double>::infinity(), 1));
+    cases.push_back(Offset(kNaN, 1, 1));
+    cases.push_back(Offset(1, kInfinity, 1));
     ExpectEachEqualsPlain(cases);
 }
 
