@@ -15,7 +15,7 @@ SCALARS = {"u8": "uint8_t", "u16": "uint16_t", "u32": "uint32_t", "u64": "uint64
 FUNCTIONS = {"callback": "ZLVProgressCallback", "warp": "ZLVWarpFunction"}
 SAMPLE_BITS = {"u8": 8, "u16": 16, "u32": 32, "f32": 32, "f64": 64, "void": 8}
 ROLES = {"image", "width", "height", "channels", "stride", "mask", "flags", "number", "choice", "count", "out", "in",
-         "handle", "callback", "callback-data"}
+         "point", "handle", "callback", "callback-data"}
 ERRORS = {"OUT_OF_MEMORY": 1, "BAD_ARGUMENT": 5, "CANCELLED": 14, "COULD_NOT_RUN": 17, "NO_BASE_CONTEXT": 55,
           "POLYGON": 61, "TARGET_TOO_SMALL": 68, "TIME_OUT": 84}
 EFFECT_KEYS = {"frame", "threads", "progress", "cancel", "random", "depends", "errors", "channels"}
@@ -108,6 +108,8 @@ def read_argument(where, facts):
         fail(where, f"unknown type {facts['type']}")
     if argument.role == "image" and argument.type.removeprefix("const ").rstrip("*") not in SAMPLE_BITS:
         fail(where, f"an image has no samples of type {argument.type}")
+    if argument.role == "point" and argument.type != "const point*":
+        fail(where, "a point is a const point*")
     if argument.is_pointer and "null" not in facts:
         fail(where, "a pointer says what null gives")
     for flag in facts.get("flags", []):

@@ -64,6 +64,7 @@ std::vector<BenchRow> NoiseRows();
 std::vector<BenchRow> OverlayRows();
 std::vector<BenchRow> PaletteRows();
 std::vector<BenchRow> PolygonRows();
+std::vector<BenchRow> PushRows();
 std::vector<BenchRow> ResizeRows();
 std::vector<BenchRow> SplineRows();
 std::vector<BenchRow> ToneRows();

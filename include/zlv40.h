@@ -162,6 +162,12 @@ enum ZLV40_PolygonWarp {
     ZLV40_POLYGON_ROWS_AGAIN = 5 /* the same as ROWS */
 };
 
+/* Which way a warp of the middle line shifts pixels; any other value does nothing. */
+enum ZLV40_Shift { ZLV40_SHIFT_Y = 0, ZLV40_SHIFT_X = 1 };
+
+/* The waves of ZLV40_AddWaveTransform, and which way they shift pixels; any other value does nothing. */
+enum ZLV40_Wave { ZLV40_WAVE_SINE_Y = 0, ZLV40_WAVE_SINE_X = 1, ZLV40_WAVE_COSINE_Y = 2, ZLV40_WAVE_COSINE_X = 3 };
+
 enum { ZLV40_VERSION_BYTES = 20 /* what ZLV40_GetLibVersion writes */ };
 
 /* A position: x to the right, y down. */
@@ -926,6 +932,81 @@ ZLV40_API uint32_t ZLV40_AddUserTransform(uint32_t width, uint32_t height, ZLVWa
 #define ZLV40_AddWowTransform _ZLV40_AddWowTransform
 ZLV40_API uint32_t ZLV40_AddWowTransform(uint32_t width, uint32_t height, double radius, uint32_t mode);
 
+/* Displaces pixels by the slopes of a relief, which repeats itself to all sides: where it rises to the right a pixel
+ * comes from further left, where it rises downwards from further down.
+ *   strength  pixels for each of three neighbours that rises from 0 to 1 between one side and the other
+ *   bumpMap   mapHeight rows of mapWidth heights without gaps, 0..255 for 0 to 1; not NULL, or
+ *             ZLV40_ERROR_BAD_ARGUMENT. Read when pictures are processed, not copied: it stays valid until the list is
+ *             cleared
+ *   mapWidth, mapHeight  1 or more, or ZLV40_ERROR_BAD_ARGUMENT
+ * Coordinates are truncated to integers towards 0. What is no number, or not within 64 bits, reads column or row 0. */
+#define ZLV40_AddBumpMapDisplacementTransform _ZLV40_AddBumpMapDisplacementTransform
+ZLV40_API uint32_t ZLV40_AddBumpMapDisplacementTransform(uint32_t width, uint32_t height, double strength,
+                                                         const uint8_t* bumpMap, uint32_t mapWidth,
+                                                         uint32_t mapHeight);
+
+/* Displaces pixels around the contours of a field of Perlin noise, which is made for this warp and draws from the
+ * calling thread's random generator (see ZLV40_InitializePerlinNoise3D).
+ *   strength        pixels for a slope of noise: the difference of three neighbours from the three opposite ones
+ *   scaleX, scaleY  the size of the noise's features in pixels; not 0, or ZLV40_ERROR_OUT_OF_MEMORY
+ * Where the noise is no number, pixels are outside. */
+#define ZLV40_AddPerlinDisplacementTransform _ZLV40_AddPerlinDisplacementTransform
+ZLV40_API uint32_t ZLV40_AddPerlinDisplacementTransform(uint32_t width, uint32_t height, double strength, double scaleX,
+                                                        double scaleY);
+
+/* Moves every pixel by scaleY, in a direction that turns with a field of Perlin noise, made as above.
+ *   cycles          turns from the lowest to the highest noise
+ *   scaleX, scaleY  the size of the noise's features in pixels; not 0, or ZLV40_ERROR_OUT_OF_MEMORY
+ * Empty sizes give ZLV40_ERROR_BAD_ARGUMENT. Where the noise is no number, pixels stay. */
+#define ZLV40_AddMarbleTransform _ZLV40_AddMarbleTransform
+ZLV40_API uint32_t ZLV40_AddMarbleTransform(uint32_t width, uint32_t height, double cycles, double scaleX,
+                                            double scaleY);
+
+/* Looks through a wall of glass blocks.
+ *   tileWidth, tileHeight  of a block in pixels, 1 or more, or ZLV40_ERROR_BAD_ARGUMENT
+ *   bevelWidth             of the bevelled edges in pixels
+ *   bevelStrength          how far the edge itself displaces, in pixels
+ *   flatBevel              not 0: edges have no ripples
+ *   zoom                   below 1 each block shows all of the picture at that size around its own place
+ *   noiseScale             of the ripples, which are ZLV40_GeneratePerlinNoise of this scale, made anew for every
+ *                          block: many small ones take their time
+ *   bumpStrength           pixels for a slope of the ripples by 1 of 255 levels
+ * Points are moved into the picture. Far outside it there are no ripples; with an empty size nothing is displaced. */
+#define ZLV40_AddGlassBlockTransform _ZLV40_AddGlassBlockTransform
+ZLV40_API uint32_t ZLV40_AddGlassBlockTransform(uint32_t width, uint32_t height, uint32_t tileWidth,
+                                                uint32_t tileHeight, uint32_t bevelWidth, uint32_t bevelStrength,
+                                                uint32_t flatBevel, double zoom, double noiseScale,
+                                                double bumpStrength);
+
+/* The next three bend the line through the middle of the picture. The picture is stretched on both sides of the line,
+ * its edges stay where they are. A position beyond the picture along the line goes to 0 or the size there, one that is
+ * no number stays. All refuse empty sizes with ZLV40_ERROR_BAD_ARGUMENT. */
+
+/* Bends the middle row or column to a slanted line.
+ *   start, end  where it is in the first and in the last column (or row), in pixels; anywhere
+ *   mode        a ZLV40_SHIFT_ value: ZLV40_SHIFT_Y bends the middle row, ZLV40_SHIFT_X the middle column */
+#define ZLV40_AddLineSliceTransform _ZLV40_AddLineSliceTransform
+ZLV40_API uint32_t ZLV40_AddLineSliceTransform(uint32_t width, uint32_t height, int32_t start, int32_t end,
+                                               uint32_t mode);
+
+/* Bends the middle row or column to a wave.
+ *   amplitudePercent  of the picture's size in the direction in which pixels are shifted
+ *   cycles            half periods from the first to the last pixel of the line
+ *   mode              a ZLV40_WAVE_ value: those for Y bend the middle row, those for X the middle column
+ * A picture of one column (or row) has no wave: with these modes all of it is outside. */
+#define ZLV40_AddWaveTransform _ZLV40_AddWaveTransform
+ZLV40_API uint32_t ZLV40_AddWaveTransform(uint32_t width, uint32_t height, double amplitudePercent, double cycles,
+                                          uint32_t mode);
+
+/* Bends the middle row or column to teeth.
+ *   amplitudePercent  from the points of the teeth to their gaps, of the picture's size along the line
+ *   teeth             1 to the pixels along the line, or ZLV40_ERROR_BAD_ARGUMENT
+ *   mode              a ZLV40_SHIFT_ value: ZLV40_SHIFT_Y bends the middle row, ZLV40_SHIFT_X the middle column
+ * Teeth of 2 or 3 pixels have no slope: there the picture is outside, or at its edge. */
+#define ZLV40_AddZigZagTransform _ZLV40_AddZigZagTransform
+ZLV40_API uint32_t ZLV40_AddZigZagTransform(uint32_t width, uint32_t height, double amplitudePercent, int32_t teeth,
+                                            uint32_t mode);
+
 /* ---- Frequencies -------------------------------------------------------------------------------------------- */
 
 /* Grids. The functions below work on a grid of complex values: height rows of width values, a value two doubles, the
@@ -1475,6 +1556,31 @@ ZLV40_API uint32_t ZLV40_GradientFillImageRadial(uint8_t* image, uint32_t width,
                                                  int32_t centerX, int32_t centerY, const uint8_t* colors,
                                                  const double* positions, uint32_t stopCount, uint32_t mode,
                                                  double gamma, uint32_t flags);
+
+/* ---- Pushing ------------------------------------------------------------------------------------------------- */
+
+/* Drags what is at one point of an image to another point, as a finger does in wet paint. The reach is twice the
+ * distance of the points in whole pixels; what is further than that from *toPoint, to the sides or up and down, is
+ * copied.
+ *   src            height rows of rowStride bytes, the last one whole as well: width pixels, 8 bits a sample,
+ *                  interleaved; not NULL; not changed
+ *   width, height  of both images, 1 or more
+ *   bytesPerPixel  channels, 1 or more
+ *   rowStride      bytes from one row to the next, width * bytesPerPixel or more
+ *   dst            height rows of rowStride bytes, not NULL; does not overlap src. All of it is written, padding is
+ *                  copied too
+ *   fromPoint      where the content is, anywhere, also outside the image; not NULL
+ *   toPoint        where it goes, anywhere; not NULL. The same point gives a plain copy
+ * Each quarter of the square around *toPoint, as far as it is inside the image, is drawn from the quadrilateral of its
+ * outer corners and *fromPoint: pixels on the square's edge stay, *toPoint becomes *fromPoint. Places are sampled with
+ * cubic convolution over sixteen pixels (R. G. Keys, 1981, parameter -1), rounded; those outside the image are moved to
+ * its edge.
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written) or ZLV40_ERROR_CANCELLED (the copy and the
+ * quarters done so far stay).
+ * Progress is reported after each quarter as 1, 2, 3 and 4 of 4, for different points. Works on the calling thread. */
+#define ZLV40_PushImage _ZLV40_PushImage
+ZLV40_API uint32_t ZLV40_PushImage(const uint8_t* src, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
+                                   uint32_t rowStride, uint8_t* dst, const point* fromPoint, const point* toPoint);
 
 #ifdef __cplusplus
 }

@@ -46,7 +46,7 @@ def image_shape(export, image):
             f".stride = {place('stride')}, .strideBytes = {stride_bytes(export, place('stride'))}, "
             f".fixedChannels = {fixed}, .sampleBits = {sample_bits(image)}, "
             f".isWritten = {'false' if image.facts['access'] == 'in' else 'true'}, "
-            f".isPaddingWritten = {'true' if image.facts.get('padding') == 'written' else 'false'}, "
+            f".hasWholeRows = {'true' if 'padding' in image.facts else 'false'}, "
             f".isPerChannel = {'true' if image.facts.get('per') == 'channel' else 'false'}}}")
 
 
@@ -64,7 +64,7 @@ def argument_row(export, argument):
     if zero not in ("", "nothing"):
         parts.append(f".zeroError = {description.ERRORS[zero]}")
     for key in ("minimum", "maximum", "default"):
-        if key in facts:
+        if key in facts and argument.role != "point":
             parts.append(f".{key}{'_' if key == 'default' else ''} = {float(facts[key])!r}")
     for key in ("minimum", "maximum"):
         if key in facts:
@@ -83,6 +83,9 @@ def argument_row(export, argument):
         parts.append(f".unsweptFlags = {unswept}u")
     if argument.role == "image":
         parts.append(f".image = {image_shape(export, argument)}")
+    if argument.role == "point":
+        x, y = facts["default"]
+        parts.append(f".defaultPoint = {{{x}, {y}}}")
     if "values" in facts:
         data = b"".join(struct.pack(PACKED[argument.element], number) for number in facts["values"])
         parts.append(f".bytes = {{{', '.join(str(byte) for byte in data)}}}")

@@ -8,7 +8,7 @@ import json
 
 import description
 
-VALUE_ROLES = ("number", "choice", "mask", "flags")
+VALUE_ROLES = ("number", "choice", "mask", "flags", "point")
 LIMITS = {"u8": (0, 2**8 - 1), "u16": (0, 2**16 - 1), "u32": (0, 2**32 - 1),
           "i8": (-2**7, 2**7 - 1), "i16": (-2**15, 2**15 - 1), "i32": (-2**31, 2**31 - 1)}
 REALS = ("f32", "f64")
@@ -48,6 +48,18 @@ def switches(argument, where):
                "bit": flag["value"], "default": bool(default & flag["value"]), "channels": flag.get("channels", [])}
 
 
+def coordinates(argument, where):
+    """A point becomes two numbers: pairs of how far behind its slot one stands, and the parameter."""
+    if "default" not in argument.facts:
+        description.fail(where, "the command needs a default")
+    for offset, axis in enumerate("xy"):
+        yield offset, {"name": f"{argument.facts.get('option', dashed(argument.name))}-{axis}",
+                       "argument": argument.name, "kind": "integer", "unit": "pixels",
+                       "minimum": LIMITS["i32"][0], "maximum": LIMITS["i32"][1], "step": None,
+                       "default": argument.facts["default"][offset],
+                       "about": f"{axis} of {argument.facts['about']}"}
+
+
 def parameters_of_argument(argument, where):
     """What the user can set of one argument, as the JSON listing shows it."""
     facts = argument.facts
@@ -73,22 +85,26 @@ def parameters_of_argument(argument, where):
 
 
 def slots_of(argument):
-    """How many values of a call an argument is made of: a flags argument with a mask has two, a fixed one none."""
+    """How many values of a call an argument is made of: a flags argument with a mask has two, and a point; a fixed one
+    none."""
     if argument.facts.get("fixed"):
         return 0
-    return (argument.role in VALUE_ROLES) + (argument.role == "flags" and "mask" in argument.facts)
+    return ((argument.role in VALUE_ROLES) + (argument.role == "flags" and "mask" in argument.facts)
+            + (argument.role == "point"))
 
 
 def parameters_of(export):
     """All parameters of an export, each with the slot that it sets."""
     found, slot = [], 0
     for argument in export.arguments:
-        if slots_of(argument) == 2:
+        where = f"{export.family}, {export.name}, {argument.name}"
+        if argument.role == "flags" and slots_of(argument) == 2:
             found.append((slot + 1, {"name": MASK_OF_FLAGS, "argument": argument.name, "kind": "mask",
                                      "default": "all", "about": MASK_ABOUT}))
-        if slots_of(argument):
-            for parameter in parameters_of_argument(argument, f"{export.family}, {export.name}, {argument.name}"):
-                found.append((slot, parameter))
+        if argument.role == "point":
+            found.extend((slot + offset, parameter) for offset, parameter in coordinates(argument, where))
+        elif slots_of(argument):
+            found.extend((slot, parameter) for parameter in parameters_of_argument(argument, where))
         slot += slots_of(argument)
     names = [parameter["name"] for _, parameter in found]
     for name in names:
@@ -156,6 +172,8 @@ def argument_text(export, argument, images, slot):
         return argument.name
     if argument.role == "mask":
         return f"static_cast<{argument.c_type}>(call.Mask({slot}))"
+    if argument.role == "point":
+        return f"&{argument.name}"
     if argument.role in VALUE_ROLES:
         text = f"static_cast<{argument.c_type}>({values}[{slot}])"
         return f"{text} | call.Mask({slot + 1})" if slots_of(argument) == 2 else text
@@ -172,17 +190,20 @@ def recipe_declaration(recipe):
 
 def call_function(export):
     images = images_of(export)
-    texts, slot, arrays = [], 0, ""
+    texts, constants, slot = [], "", 0
     for argument in export.arguments:
+        if argument.role == "point":
+            x, y = (f"static_cast<int32_t>(call.values[{slot + offset}])" for offset in (0, 1))
+            constants += f"    const point {argument.name} = {{{x}, {y}}};\n"
         if argument.role == "in" and "values" in argument.facts:
             values = ", ".join(str(value) for value in argument.facts["values"])
             element = description.SCALARS[argument.element]
-            arrays += f"    static constexpr {element} {argument.name}[] = {{{values}}};\n"
+            constants += f"    static constexpr {element} {argument.name}[] = {{{values}}};\n"
         texts.append(argument_text(export, argument, images, slot))
         slot += slots_of(argument)
     stem = export.name.removeprefix("ZLV40_")
     call = f"uint32_t Call{stem}(const EffectCall& call)"
-    body = f"{{\n{arrays}    return {export.name}(\n        " + ",\n        ".join(texts) + ");\n}\n"
+    body = f"{{\n{constants}    return {export.name}(\n        " + ",\n        ".join(texts) + ");\n}\n"
     if not is_warp(export):
         return f"{call}\n{body}"
     return (f"uint32_t Warp{stem}(uint32_t width, uint32_t height, std::span<const double> values)\n{body}\n"

@@ -20,9 +20,15 @@ public:
     CZLVTransform() = delete;
 
     class CXFormer;
+    class CBumpMapDispPoints;
+    class CCenterShiftPoints;
     class CEllipsePoints;
+    class CGlassBlock;
     class CLensPoints;
+    class CLineSlicePoints;
+    class CMarblePoints;
     class COffsetPoints;
+    class CPerlinDispPoints;
     class CPinchPoints;
     class CPointAttractor;
     class CPolygonPoints;
@@ -31,7 +37,9 @@ public:
     class CSpinPoints;
     class CSpinWavePoints;
     class CUserPoints;
+    class CWavePoints;
     class CWowPoints;
+    class CZigZagPoints;
 };
 
 // Where the points of a warped image come from: one step of the way back.

@@ -27,6 +27,7 @@ enum class Role {
     Count,
     Out,
     In,
+    Point,
     Handle,
     Callback,
     CallbackData
@@ -46,8 +47,8 @@ struct DescribedImage {
     std::uint32_t fixedChannels = 0;  // when no argument tells the count; 0: the count that the effect is called with
     std::uint32_t sampleBits = 8;
     bool isWritten = false;
-    bool isPaddingWritten = false;  // rows are written whole, that of the last one included
-    bool isPerChannel = false;      // one sample a channel, whatever the picture's size
+    bool hasWholeRows = false;  // rows are read or written whole, padding included, the last one too
+    bool isPerChannel = false;  // one sample a channel, whatever the picture's size
 
     std::uint64_t RowBytes(std::uint64_t pixels, std::uint64_t channelCount) const
     {
@@ -69,6 +70,7 @@ struct DescribedArgument {
     std::vector<FlagBit> flags = {};
     std::uint32_t unsweptFlags = 0;  // bits with which the call keeps to rules of its own
     DescribedImage image = {};
+    point defaultPoint = {};
     std::vector<std::uint8_t> bytes = {};  // of an array that is only read: what it holds by default
 };
 

@@ -47,7 +47,7 @@ public:
     {
         for (std::size_t i = 0; i < images_.size(); ++i) {
             for (std::size_t k = 0; k < images_[i]->Size(); ++k) {
-                const bool isPadding = !layouts_[i].isPaddingWritten && k % layouts_[i].stride >= layouts_[i].row;
+                const bool isPadding = !layouts_[i].hasWholeRows && k % layouts_[i].stride >= layouts_[i].row;
                 if (isPadding && images_[i]->Data()[k] != kFill) return false;
             }
         }
@@ -64,7 +64,7 @@ public:
 private:
     struct Layout {
         std::size_t row, stride;  // in bytes
-        bool isWritten, isPaddingWritten;
+        bool isWritten, hasWholeRows;
     };
 
     const DescribedEffect& effect_;
@@ -72,6 +72,7 @@ private:
     Random random_{7};
     std::vector<std::unique_ptr<GuardedBuffer>> images_;
     std::vector<Layout> layouts_;
+    std::vector<std::unique_ptr<point>> points_;
     std::vector<std::unique_ptr<GuardedBuffer>> arrays_;
     std::vector<Bytes> before_;
 
@@ -89,6 +90,13 @@ private:
         case Role::Height: values[i].integer = kHeight; break;
         case Role::Channels: values[i].integer = channels_; break;
         case Role::Stride: break;  // set with its image
+        case Role::Point:
+            // The default is a place in a picture of a usual size.
+            points_.push_back(std::make_unique<point>(argument.defaultPoint));
+            points_.back()->x %= std::int32_t(kWidth);
+            points_.back()->y %= std::int32_t(kHeight);
+            values[i].pointer = points_.back().get();
+            break;
         case Role::In: values[i].pointer = NewArray(argument.bytes, flush); break;
         default:
             values[i].integer = std::uint64_t(std::int64_t(argument.default_));
@@ -104,9 +112,9 @@ private:
         const std::uint32_t width = image.isPerChannel ? 1 : kWidth, height = image.isPerChannel ? 1 : kHeight;
         const std::size_t row = std::size_t(image.RowBytes(width, count));
         const std::size_t padding = kPadding * ((image.sampleBits + 7) / 8);  // keeps rows aligned to their samples
-        const Layout layout = {row, image.stride >= 0 ? row + padding : row, image.isWritten, image.isPaddingWritten};
+        const Layout layout = {row, image.stride >= 0 ? row + padding : row, image.isWritten, image.hasWholeRows};
         if (image.stride >= 0) values[std::size_t(image.stride)].integer = layout.stride / image.strideBytes;
-        const std::size_t size = (height - 1) * layout.stride + (image.isPaddingWritten ? layout.stride : row);
+        const std::size_t size = (height - 1) * layout.stride + (image.hasWholeRows ? layout.stride : row);
         images_.push_back(std::make_unique<GuardedBuffer>(size, flush, kFill));
         layouts_.push_back(layout);
         std::uint8_t* const data = images_.back()->Data();

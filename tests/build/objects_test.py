@@ -28,7 +28,10 @@ class Objects(unittest.TestCase):
         build_context.expect_none(self, in_each(self.context.objects, find), "use runtime/math.h")
 
     def test_free_of_the_cxx_run_time(self):
-        find = lambda path: symbols.of_cxx_run_time(symbols.undefined(path))
+        # Virtual tables of abstract bases, and what stands in them: the library's own.
+        own = set().union(*(symbols.defined(path) for path in self.context.objects))
+        self.assertIn("__cxa_pure_virtual", own)
+        find = lambda path: symbols.of_cxx_run_time(set(symbols.undefined(path)) - own)
         build_context.expect_none(self, in_each(self.context.objects, find))
 
     def test_no_thread_local_storage(self):

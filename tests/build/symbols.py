@@ -11,9 +11,8 @@ _FUNCTIONS = ("exp exp2 exp10 expm1 log log2 log10 log1p pow sin cos sincos tan 
 # which the library never wants.
 MATH_FUNCTIONS = frozenset(name + suffix for name in _FUNCTIONS for suffix in ("", "f", "l"))
 
-# The library's own classes have tables of virtual functions, and it brings what stands there for a pure one.
-CXX_RUN_TIME = re.compile(r"_Z(n[wa]|d[la])|__cxa_(?!pure_virtual$)|__gxx_|_Unwind_|_ZS|_ZN(K?)St|_ZNSt|_ZT[IS]|"
-                          r"_ZTV(?!N3zlv)|__emutls|_tls_index|__tls_get_addr|_ZTH|_ZTW|atexit$")
+CXX_RUN_TIME = re.compile(r"_Z(n[wa]|d[la])|__cxa_|__gxx_|_Unwind_|_ZS|_ZN(K?)St|_ZNSt|_ZT[IVS]|__emutls|"
+                          r"_tls_index|__tls_get_addr|_ZTH|_ZTW|atexit$")
 THREAD_LOCAL_SECTION = re.compile(r"\.(tdata|tbss|tls)\b")
 
 WIDE_REGISTER = re.compile(r"%[yz]mm\d+")
@@ -27,6 +26,12 @@ def undefined(file):
         if line and not line.endswith(":"):
             names.append(line.split()[0].split("@")[0].removeprefix("__imp_"))
     return names
+
+
+def defined(file):
+    """Names that an object has for others."""
+    lines = build_context.run(build_context.context.nm, "-P", "-g", "--defined-only", file).splitlines()
+    return {line.split()[0] for line in lines if line and not line.endswith(":")}
 
 
 def mathematical(names):

@@ -54,7 +54,7 @@ std::size_t ImageBytes(const DescribedEffect& effect, const DescribedImage& imag
     const std::uint64_t row = image.RowBytes(width, channels);
     const std::uint64_t stride = image.stride < 0 ? row : NumberAt(effect, values, image.stride) * image.strideBytes;
     if (row > kLargest || stride > kLargest) return 0;
-    const std::uint64_t bytes = (height - 1) * stride + (image.isPaddingWritten && stride > row ? stride : row);
+    const std::uint64_t bytes = (height - 1) * stride + (image.hasWholeRows && stride > row ? stride : row);
     return bytes > kLargest ? 0 : std::size_t(bytes);
 }
 
@@ -93,6 +93,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
     static const DescribedEffect& effect = EffectUnderTest();
     Input input(bytes, count);
     std::vector<Value> values(effect.arguments.size());
+    std::vector<std::unique_ptr<point>> points;
     for (std::size_t i = 0; i < values.size(); ++i) {
         Value& value = values[i];
         switch (effect.arguments[i].role) {
@@ -101,6 +102,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
         case Role::Width: value.integer = input.Size(40); break;
         case Role::Height: value.integer = input.Size(20); break;
         case Role::Channels: value.integer = input.Size(10); break;
+        case Role::Point:
+            points.push_back(
+                std::make_unique<point>(point{std::int32_t(input.Size(40)), std::int32_t(input.Size(20))}));
+            value.pointer = input.Byte() == 0xFF ? nullptr : points.back().get();
         case Role::In: break;
         case Role::Count:
             value.integer = input.Byte() % (std::uint64_t(effect.arguments[i].default_) + 1);  // arrays have so many

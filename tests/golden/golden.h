@@ -62,12 +62,14 @@ struct GoldenRow {
 
 // The exports, a file a family; they are also tried on the library that is shipped.
 std::vector<GoldenRow> AdaptiveGolden();
+std::vector<GoldenRow> DisplacementGolden();
 std::vector<GoldenRow> EdgesGolden();
 std::vector<GoldenRow> FrequencyGolden();
 std::vector<GoldenRow> GenerateGolden();
 std::vector<GoldenRow> MedianGolden();
 std::vector<GoldenRow> MorphologyGolden();
 std::vector<GoldenRow> NoiseGolden();
+std::vector<GoldenRow> PushGolden();
 std::vector<GoldenRow> ToneGolden();
 std::vector<GoldenRow> WarpGolden();
 std::vector<GoldenRow> WindowGolden();

@@ -16,12 +16,14 @@ std::vector<GoldenRow> AllRows()
     std::vector<GoldenRow> rows;
     const auto add = [&](std::vector<GoldenRow> more) { rows.insert(rows.end(), more.begin(), more.end()); };
     add(AdaptiveGolden());
+    add(DisplacementGolden());
     add(EdgesGolden());
     add(FrequencyGolden());
     add(GenerateGolden());
     add(MedianGolden());
     add(MorphologyGolden());
     add(NoiseGolden());
+    add(PushGolden());
     add(ToneGolden());
     add(WarpGolden());
     add(WindowGolden());

@@ -30,9 +30,8 @@ class List(CommandTest):
     def test_json_has_every_argument_that_can_be_set(self):
         listed = {effect["name"]: effect for effect in json.loads(self.run_command("list", "--json").text)}
         for name, (_, export) in described_commands().items():
-            wanted = {argument.name for argument in export.arguments
-                      if (argument.role in ("number", "choice", "mask") or argument.facts.get("flags"))
-                      and not argument.facts.get("fixed")}
+            wanted = {argument.name for argument in export.arguments if not argument.facts.get("fixed")
+                      and (argument.role in ("number", "choice", "mask", "point") or argument.facts.get("flags"))}
             self.assertEqual({parameter["argument"] for parameter in listed[name]["parameters"]}, wanted)
 
     def test_table_has_a_line_for_every_effect(self):
