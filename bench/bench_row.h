@@ -67,6 +67,7 @@ std::vector<BenchRow> PolygonRows();
 std::vector<BenchRow> PushRows();
 std::vector<BenchRow> ResizeRows();
 std::vector<BenchRow> SplineRows();
+std::vector<BenchRow> SeamRows();
 std::vector<BenchRow> ToneRows();
 std::vector<BenchRow> WarpRows();
 std::vector<BenchRow> WindowRows();

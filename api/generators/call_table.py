@@ -40,14 +40,20 @@ def image_shape(export, image):
                   if argument.role == role}
         return places.get(image.name, places.get("", -1))
 
+    names = [argument.name for argument in export.arguments]
     counts = image.facts.get("channels", [])
-    fixed = counts[0] if counts and place("channels") < 0 else 0
-    return (f"{{.width = {place('width')}, .height = {place('height')}, .channels = {place('channels')}, "
+    channels = place("channels")
+    # A count of the image's own goes before one that belongs to no image in particular.
+    if counts and channels >= 0 and "of" not in export.arguments[channels].facts:
+        channels = -1
+    fixed = counts[0] if counts and channels < 0 else 0
+    return (f"{{.width = {place('width')}, .height = {place('height')}, .channels = {channels}, "
             f".stride = {place('stride')}, .strideBytes = {stride_bytes(export, place('stride'))}, "
             f".fixedChannels = {fixed}, .sampleBits = {sample_bits(image)}, "
             f".isWritten = {'false' if image.facts['access'] == 'in' else 'true'}, "
             f".hasWholeRows = {'true' if 'padding' in image.facts else 'false'}, "
-            f".isPerChannel = {'true' if image.facts.get('per') == 'channel' else 'false'}}}")
+            f".isPerChannel = {'true' if image.facts.get('per') == 'channel' else 'false'}, "
+            f".wider = {names.index(image.facts['wider']) if 'wider' in image.facts else -1}}}")
 
 
 def argument_row(export, argument):

@@ -1,6 +1,7 @@
 // The platform floor on Linux: POSIX threads and clocks.
 #include "platform/platform.h"
 
+#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <ctime>
@@ -297,9 +298,32 @@ void CloseThread(Thread* thread)
     Destroy(thread);
 }
 
+namespace {
+
+#if defined(__x86_64__) && !defined(ZLV_PORTABLE)
+void PauseProcessor() { __builtin_ia32_pause(); }
+#else
+void PauseProcessor() {}
+#endif
+
+// A partner on another processor is often there within a microsecond: to sleep and to be woken takes many. Looks a
+// while at what it waits for, and says whether that has come.
+template <class Condition>
+bool Spin(Condition holds)
+{
+    constexpr int kLooks = 200;
+    for (int i = 0; i < kLooks; ++i) {
+        if (holds()) return true;
+        PauseProcessor();
+    }
+    return false;
+}
+
+}  // namespace
+
 struct Event {
     Monitor monitor;
-    bool isSet = false;
+    std::atomic<bool> isSet = false;
 };
 
 Event* CreateManualEvent() { return Make<Event>(); }
@@ -313,8 +337,11 @@ void SetManualEvent(Event* event)
 
 bool WaitForEvent(Event* event, u32 milliseconds)
 {
+    const auto isSet = [&] { return event->isSet.load(); };
+    if (milliseconds > 0) (void)Spin(isSet);
+    // The lock is taken even so: the event may be closed as soon as this returns, and its setter must be gone then.
     const MonitorLock lock(event->monitor);
-    return event->monitor.Wait(milliseconds, [&] { return event->isSet; });
+    return event->monitor.Wait(milliseconds, isSet);
 }
 
 void CloseEvent(Event* event)
@@ -322,31 +349,52 @@ void CloseEvent(Event* event)
     if (event) Destroy(event);
 }
 
+// Taken and released without the monitor unless somebody sleeps. Either the one who goes to sleep sees that it is free,
+// or the one who releases it sees the sleeper: both write first and then look. Closed when no call on it goes on.
 struct OwnedMutex {
-    Monitor monitor;
-    pthread_t owner = {};
-    u32 depth = 0;
+    static constexpr pthread_t kNobody = 0;
 
-    bool IsMine() const { return depth > 0 && pthread_equal(owner, pthread_self()); }
+    Monitor monitor;
+    std::atomic<pthread_t> owner = kNobody;
+    std::atomic<u32> sleepers = 0;
+    u32 depth = 0;  // the owner's
+
+    bool IsMine() const { return owner.load(std::memory_order_relaxed) == pthread_self(); }
+    bool TryTake()
+    {
+        pthread_t expected = kNobody;
+        return owner.load() == kNobody && owner.compare_exchange_strong(expected, pthread_self());
+    }
 };
 
 OwnedMutex* CreateOwnedMutex() { return Make<OwnedMutex>(); }
 
 bool AcquireMutex(OwnedMutex* mutex, u32 milliseconds)
 {
-    const MonitorLock lock(mutex->monitor);
-    const auto isFree = [&] { return mutex->depth == 0 || mutex->IsMine(); };
-    if (!mutex->monitor.Wait(milliseconds, isFree)) return false;
-    mutex->owner = pthread_self();
+    const auto take = [&] { return mutex->TryTake(); };
+    if (!mutex->IsMine() && !take()) {
+        if (milliseconds == 0) return false;
+        if (!Spin(take)) {
+            const MonitorLock lock(mutex->monitor);
+            ++mutex->sleepers;
+            const bool isTaken = mutex->monitor.Wait(milliseconds, take);
+            --mutex->sleepers;
+            if (!isTaken) return false;
+        }
+    }
     ++mutex->depth;
     return true;
 }
 
 bool ReleaseMutex(OwnedMutex* mutex)
 {
-    const MonitorLock lock(mutex->monitor);
     if (!mutex->IsMine()) return false;
-    if (--mutex->depth == 0) mutex->monitor.TellAll();
+    if (--mutex->depth > 0) return true;
+    mutex->owner.store(OwnedMutex::kNobody);
+    if (mutex->sleepers.load() > 0) {
+        const MonitorLock lock(mutex->monitor);
+        mutex->monitor.TellAll();
+    }
     return true;
 }
 

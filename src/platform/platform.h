@@ -86,7 +86,8 @@ void SetManualEvent(Event* event);
 [[nodiscard]] bool WaitForEvent(Event* event, u32 milliseconds);
 void CloseEvent(Event* event);
 
-// Belongs to the thread that acquired it, which may acquire it again and must release it as often; starts free.
+// Belongs to the thread that acquired it, which may acquire it again and must release it as often; starts free. Closed
+// when no call on it is going on any more.
 [[nodiscard]] OwnedMutex* CreateOwnedMutex();
 [[nodiscard]] bool AcquireMutex(OwnedMutex* mutex, u32 milliseconds);
 // False, with nothing done, on a thread that is not the owner.

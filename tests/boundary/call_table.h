@@ -49,6 +49,7 @@ struct DescribedImage {
     bool isWritten = false;
     bool hasWholeRows = false;  // rows are read or written whole, padding included, the last one too
     bool isPerChannel = false;  // one sample a channel, whatever the picture's size
+    int wider = -1;             // the number by which it is wider than `width` says
 
     std::uint64_t RowBytes(std::uint64_t pixels, std::uint64_t channelCount) const
     {

@@ -109,7 +109,10 @@ private:
     std::uint8_t* NewImage(const DescribedImage& image, Flush flush)
     {
         const std::uint32_t count = image.fixedChannels ? image.fixedChannels : channels_;
-        const std::uint32_t width = image.isPerChannel ? 1 : kWidth, height = image.isPerChannel ? 1 : kHeight;
+        const std::int64_t wider =
+            image.wider < 0 ? 0 : std::int64_t(effect_.arguments[std::size_t(image.wider)].default_);
+        const std::uint64_t width = image.isPerChannel ? 1 : std::uint64_t(kWidth + wider);
+        const std::uint32_t height = image.isPerChannel ? 1 : kHeight;
         const std::size_t row = std::size_t(image.RowBytes(width, count));
         const std::size_t padding = kPadding * ((image.sampleBits + 7) / 8);  // keeps rows aligned to their samples
         const Layout layout = {row, image.stride >= 0 ? row + padding : row, image.isWritten, image.hasWholeRows};

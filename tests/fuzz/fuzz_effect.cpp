@@ -37,6 +37,13 @@ std::uint64_t NumberAt(const DescribedEffect& effect, const std::vector<Value>& 
     return effect.arguments[std::size_t(at)].isSigned && std::int32_t(number) < 0 ? 0 : number;
 }
 
+// How wide the image is; below 1 for one that the call must refuse.
+std::int64_t WidthOf(const DescribedEffect& effect, const DescribedImage& image, const std::vector<Value>& values)
+{
+    const auto width = image.isPerChannel ? 1 : std::int64_t(NumberAt(effect, values, image.width));
+    return image.wider < 0 ? width : width + std::int32_t(values[std::size_t(image.wider)].integer);
+}
+
 std::uint64_t ChannelsOf(const DescribedEffect& effect, const DescribedImage& image, const std::vector<Value>& values)
 {
     return image.fixedChannels ? image.fixedChannels : NumberAt(effect, values, image.channels);
@@ -46,10 +53,11 @@ std::uint64_t ChannelsOf(const DescribedEffect& effect, const DescribedImage& im
 std::size_t ImageBytes(const DescribedEffect& effect, const DescribedImage& image, const std::vector<Value>& values)
 {
     constexpr std::uint64_t kLargest = 1 << 20;
-    const std::uint64_t width = image.isPerChannel ? 1 : NumberAt(effect, values, image.width);
     const std::uint64_t height = image.isPerChannel ? 1 : NumberAt(effect, values, image.height);
     const std::uint64_t channels = ChannelsOf(effect, image, values);
-    if (width == 0 || height == 0 || channels == 0) return 1;
+    const std::int64_t signedWidth = WidthOf(effect, image, values);
+    if (signedWidth <= 0 || height == 0 || channels == 0) return 1;
+    const auto width = std::uint64_t(signedWidth);
     if (width > kLargest || height > kLargest || channels > kLargest) return 0;
     const std::uint64_t row = image.RowBytes(width, channels);
     const std::uint64_t stride = image.stride < 0 ? row : NumberAt(effect, values, image.stride) * image.strideBytes;
@@ -76,6 +84,12 @@ void ForEachImage(const DescribedEffect& effect, Visit visit)
     for (std::size_t i = 0; i < effect.arguments.size(); ++i) {
         if (effect.arguments[i].role == Role::Image) visit(i, effect.arguments[i].image);
     }
+}
+
+// Below a thousand, on both sides of 0.
+std::uint64_t CheapNumber(std::uint64_t number, bool isSigned)
+{
+    return isSigned ? std::uint64_t(std::int64_t(std::int32_t(number)) % 1000) : number % 1000;
 }
 
 // For `data` reports, or as many as an image of a test can have rows: one without pixels may have billions.
@@ -106,13 +120,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
             points.push_back(
                 std::make_unique<point>(point{std::int32_t(input.Size(40)), std::int32_t(input.Size(20))}));
             value.pointer = input.Byte() == 0xFF ? nullptr : points.back().get();
+            break;
         case Role::In: break;
         case Role::Count:
             value.integer = input.Byte() % (std::uint64_t(effect.arguments[i].default_) + 1);  // arrays have so many
             break;
         default:
             value.integer = input.Size(16);
-            if (effect.arguments[i].costs) value.integer %= 1000;
+            if (effect.arguments[i].costs) value.integer = CheapNumber(value.integer, effect.arguments[i].isSigned);
             value.real = input.Byte() & 1 ? input.Real() : double(value.integer);
             value.integer &= ~std::uint64_t(effect.arguments[i].unsweptFlags);
             break;

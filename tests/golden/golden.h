@@ -70,6 +70,7 @@ std::vector<GoldenRow> MedianGolden();
 std::vector<GoldenRow> MorphologyGolden();
 std::vector<GoldenRow> NoiseGolden();
 std::vector<GoldenRow> PushGolden();
+std::vector<GoldenRow> SeamGolden();
 std::vector<GoldenRow> ToneGolden();
 std::vector<GoldenRow> WarpGolden();
 std::vector<GoldenRow> WindowGolden();

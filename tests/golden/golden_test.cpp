@@ -24,6 +24,7 @@ std::vector<GoldenRow> AllRows()
     add(MorphologyGolden());
     add(NoiseGolden());
     add(PushGolden());
+    add(SeamGolden());
     add(ToneGolden());
     add(WarpGolden());
     add(WindowGolden());

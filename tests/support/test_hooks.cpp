@@ -1,7 +1,10 @@
 #include "support/test_hooks.h"
 
 #include "platform/platform.h"
+#include "support/thread_start.h"
 
+using zlv::platform::Event;
+using zlv::platform::OwnedMutex;
 using zlv::platform::SlotIndex;
 using zlv::platform::Thread;
 using zlv::platform::ThreadFunction;
@@ -22,6 +25,10 @@ Thread* RealStart(ThreadFunction, void*) __asm__("__real__ZN3zlv8platform20Start
 Thread* WrapStart(ThreadFunction, void*) __asm__("__wrap__ZN3zlv8platform20StartSuspendedThreadEPFvPvES1_");
 bool RealSetSlot(SlotIndex, void*) __asm__("__real__ZN3zlv8platform7SetSlotEjPv");
 bool WrapSetSlot(SlotIndex, void*) __asm__("__wrap__ZN3zlv8platform7SetSlotEjPv");
+Event* RealCreateEvent() __asm__("__real__ZN3zlv8platform17CreateManualEventEv");
+Event* WrapCreateEvent() __asm__("__wrap__ZN3zlv8platform17CreateManualEventEv");
+OwnedMutex* RealCreateMutex() __asm__("__real__ZN3zlv8platform16CreateOwnedMutexEv");
+OwnedMutex* WrapCreateMutex() __asm__("__wrap__ZN3zlv8platform16CreateOwnedMutexEv");
 TimeOfDay RealLocalTime() __asm__("__real__ZN3zlv8platform9LocalTimeEv");
 TimeOfDay WrapLocalTime() __asm__("__wrap__ZN3zlv8platform9LocalTimeEv");
 std::uint32_t RealSeconds() __asm__("__real__ZN3zlv8platform16SecondsSince1970Ev");
@@ -42,7 +49,7 @@ struct Order {
     std::uint32_t failed = 0;
 };
 
-thread_local Order orders[4];
+thread_local Order orders[6];
 
 bool FailsNow(FailingCalls::Of function)
 {
@@ -95,10 +102,23 @@ void* WrapAllocateClientBlock(std::size_t bytes)
     return FailsNow(FailingCalls::Of::AllocateClientBlock) ? nullptr : RealAllocateClientBlock(bytes);
 }
 
+// What `make` makes, counted, or null when it is to fail.
+template <class Make>
+auto MakeHandle(FailingCalls::Of function, Make make)
+{
+    const auto handle = FailsNow(function) ? nullptr : make();
+    zlvtest::CountHandle(handle != nullptr);
+    return handle;
+}
+
 Thread* WrapStart(ThreadFunction function, void* argument)
 {
-    return FailsNow(FailingCalls::Of::StartThread) ? nullptr : RealStart(function, argument);
+    return MakeHandle(FailingCalls::Of::StartThread,
+                      [=] { return zlvtest::StartOrdered(RealStart, function, argument); });
 }
+
+Event* WrapCreateEvent() { return MakeHandle(FailingCalls::Of::CreateEvent, RealCreateEvent); }
+OwnedMutex* WrapCreateMutex() { return MakeHandle(FailingCalls::Of::CreateMutex, RealCreateMutex); }
 
 bool WrapSetSlot(SlotIndex slot, void* value)
 {

@@ -8,7 +8,7 @@ namespace zlvtest {
 // While it lives, the platform function fails on this thread after `succeeding` more calls, and then always.
 class FailingCalls {
 public:
-    enum class Of { Allocate, AllocateClientBlock, StartThread, SetSlot };
+    enum class Of { Allocate, AllocateClientBlock, StartThread, SetSlot, CreateEvent, CreateMutex };
 
     FailingCalls(Of function, std::uint32_t succeeding);
     ~FailingCalls();

@@ -3,53 +3,16 @@
 
 #include "errors.h"
 #include "interrupt.h"
+#include "library_progress.h"
 #include "values.h"
 #include "zlv40.h"
 
-#include <algorithm>
 #include <chrono>
 #include <optional>
 #include <utility>
 
 namespace zlv {
 namespace {
-
-// The library's progress callback on this thread, for the life of the object.
-class LibraryProgress {
-public:
-    explicit LibraryProgress(const Progress& progress) : progress_(progress)
-    {
-        ZLV40_SetCallback(OnReport, reinterpret_cast<uintptr_t>(this));
-    }
-    ~LibraryProgress() { ZLV40_SetCallback(nullptr, 0); }
-    LibraryProgress(const LibraryProgress&) = delete;
-    LibraryProgress& operator=(const LibraryProgress&) = delete;
-
-private:
-    static uint32_t OnReport(uint32_t current, uint32_t total, uint64_t data) noexcept
-    {
-        const auto* self = reinterpret_cast<const LibraryProgress*>(static_cast<uintptr_t>(data));
-        // Some effects count their stages from 1.
-        if (self->progress_ && total > 0) self->progress_(std::min(1.0, (current + 1.0) / total));
-        return IsInterrupted() ? 0 : 1;
-    }
-
-    const Progress& progress_;
-};
-
-std::string ReasonOf(uint32_t code)
-{
-    switch (code) {
-    case ZLV40_ERROR_OUT_OF_MEMORY: return "there is not enough memory, or the picture is too small for these values";
-    case ZLV40_ERROR_BAD_ARGUMENT: return "the library does not take these values for this picture";
-    case ZLV40_ERROR_CANCELLED: return "it was cancelled";
-    case ZLV40_ERROR_COULD_NOT_RUN: return "the library could not start it";
-    case ZLV40_ERROR_POLYGON: return "the polygon is not convex or has fewer than three corners";
-    case ZLV40_ERROR_TARGET_TOO_SMALL: return "the picture becomes too small for the filter";
-    case ZLV40_ERROR_TIME_OUT: return "a thread of the library did not answer";
-    default: return "the library gives the error " + std::to_string(code);
-    }
-}
 
 // The picture that an effect of two pictures writes to. It begins as a copy: what the effect leaves out (rows, columns,
 // channels of a mask) shows the original.

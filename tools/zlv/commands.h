@@ -12,6 +12,7 @@ int RunInfo(const std::vector<std::string>& arguments);
 int RunApply(const std::vector<std::string>& arguments);
 int RunWarp(const std::vector<std::string>& arguments);
 int RunGallery(const std::vector<std::string>& arguments);
+int RunSeamCarve(const std::vector<std::string>& arguments);
 
 }  // namespace zlv
 

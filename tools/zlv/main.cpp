@@ -22,6 +22,7 @@ const struct {
     {"list", "Lists all effects (--json for programs)", RunList},
     {"info", "Tells what an effect does and takes", RunInfo},
     {"apply", "Applies one effect, or several in a row, to pictures", RunApply},
+    {"seam-carve", "Makes a picture narrower or wider and keeps what stands out", RunSeamCarve},
     {"warp", "Sends pictures through a list of warps", RunWarp},
     {"gallery", "Shows every effect on a picture, as one page", RunGallery},
 };
@@ -37,12 +38,13 @@ int ShowHelp()
     std::cout << "zlv: image effects on PNG, JPEG and BMP files\n\nUsage:\n";
     for (const auto& command : kCommands) {
         const std::string name(command.name);
-        std::cout << "  zlv " << name << std::string(10 - name.size(), ' ') << command.about << "\n";
+        std::cout << "  zlv " << name << std::string(12 - name.size(), ' ') << command.about << "\n";
     }
-    std::cout << "  zlv --version Shows the library's version\n\n"
+    std::cout << "  zlv --version   Shows the library's version\n\n"
                  "Examples:\n"
                  "  zlv apply invert photo.png inverted.png\n"
                  "  zlv apply invert then invert a.jpg b.jpg 'out/{name}.png' --jobs 4\n"
+                 "  zlv seam-carve photo.png narrow.png --width 80%\n"
                  "  zlv warp photo.png warped.png spin --angle 90 ripple --sampling bicubic\n"
                  "  zlv gallery photo.png gallery\n\n"
                  "`zlv COMMAND --help` shows the options of each. Exit codes: 0 when all is done, 1 when a picture\n"

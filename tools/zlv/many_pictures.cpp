@@ -6,6 +6,7 @@
 
 #include "errors.h"
 #include "interrupt.h"
+#include "output_format.h"
 
 #include <algorithm>
 #include <atomic>
@@ -67,7 +68,7 @@ private:
 
     void DoOne(const PictureJob& job)
     {
-        const Format format = FormatFor(job.output);
+        const Format format = FormatFor(job.output, settings_.format);
         PartProgress part(bar_, job.input);
         Picture picture = ReadPicture(job.input);
         Bytes bytes;
@@ -79,17 +80,6 @@ private:
         }
         WriteWholeFile(job.output, bytes);
         part.Reach(1);
-    }
-
-    Format FormatFor(const std::string& output) const
-    {
-        if (settings_.format) return *settings_.format;
-        if (output == kStandardStream) return Format::Png;
-        const std::string extension = TextOf(PathOf(output).extension());
-        if (const auto format = FormatOf(extension)) return *format;
-        throw PictureError("Cannot write \"" + output + "\": its extension " +
-                           (extension.empty() ? "is missing" : "\"" + extension + "\" is unknown") +
-                           "; there are .png, .jpg, .jpeg and .bmp, or --format.");
     }
 
     int Report()

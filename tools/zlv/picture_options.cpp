@@ -1,6 +1,7 @@
 #include "picture_options.h"
 
 #include "errors.h"
+#include "output_format.h"
 #include "system.h"
 
 #include <algorithm>
@@ -43,10 +44,7 @@ void PictureOptions::Settle(const std::string& example)
         files.pop_back();
     }
     if (files.empty()) throw UsageError("An input is missing.");
-    if (!format_.empty()) {
-        settings_.format = FormatOf(format_);
-        if (!settings_.format) throw UsageError("--format takes png, jpg or bmp, not \"" + format_ + "\".");
-    }
+    settings_.format = GivenFormat(format_);
     if (settings_.jobs == 0) settings_.jobs = std::max(1u, std::thread::hardware_concurrency());
     if (showsProgress_) settings_.progress = ShowProgress::Always;
     if (isQuiet_) settings_.progress = ShowProgress::Never;
