@@ -58,6 +58,7 @@ std::vector<BenchRow> FilterRows();
 std::vector<BenchRow> FrequencyRows();
 std::vector<BenchRow> GaussianRows();
 std::vector<BenchRow> GenerateRows();
+std::vector<BenchRow> LayerStylesRows();
 std::vector<BenchRow> MedianRows();
 std::vector<BenchRow> MorphologyRows();
 std::vector<BenchRow> NoiseRows();

@@ -66,6 +66,8 @@ enum ZLV40_Flag {
     ZLV40_COMBINED = 256,      /* one result for the first three channels */
     ZLV40_COLORS_AS_IMAGE = 1, /* bytes of colours are in the order of the image's channels */
     ZLV40_ONE_THREAD = 1,      /* works on the calling thread alone */
+    ZLV40_SHADOW_OF_ALPHA = 1, /* the shadow follows the alpha channel */
+    ZLV40_SHADOW_TINTED = 2,   /* a shadow of the alpha channel has a colour of its own; else it is black */
     ZLV40_WORKER_THREADS = 524288,
     ZLV40_KEEP_DESTINATION = 4,   /* the fill is what the destination holds */
     ZLV40_CLAMP_POINTS = 8,       /* points outside the image come back to its edge */
@@ -1621,6 +1623,89 @@ ZLV40_API uint32_t ZLV40_PushImage(const uint8_t* src, uint32_t width, uint32_t 
 ZLV40_API uint32_t ZLV40_SeamCarve(const uint8_t* src, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
                                    uint32_t srcRowStride, const uint8_t* mask, uint32_t maskRowStride, uint8_t* dst,
                                    uint32_t dstRowStride, int32_t seamCount, uint16_t insertPenalty, uint32_t flags);
+
+/* ---- Layer styles ------------------------------------------------------------------------------------------- */
+
+/* Functions of this section report progress, and can be cancelled, only when they are called from within a progress
+ * callback. Called directly they do neither. */
+
+/* Makes a new, larger image: the source over a blurred, shifted copy of its shape. Without flags, or with other than
+ * four channels, the shadow is a rectangle on a background of one colour; otherwise it follows the alpha channel on a
+ * transparent ground.
+ *   src              height rows of width pixels, 8 bits a sample, interleaved; not NULL; not changed
+ *   width, height    may be 0 with the rectangle: there is a ground and nothing on it
+ *   bytesPerPixel    channels, 1, 3 or 4
+ *   srcRowStride     bytes from one row of src to the next, >= width * bytesPerPixel. With the rectangle src is read as
+ *                    if its rows were packed
+ *   outImage         receives the new image, rows packed, to be freed by ZLV40_FreeBlock; not NULL
+ *   outWidth, outHeight  receive its size: for a blur of 0, 25, 50, 75, 100 percent 7, 11, 17, 21, 27 pixels more than
+ *                    the source's, and the shift; not NULL
+ *   distance         of the shadow in pixels, truncated along each axis
+ *   blurPercent      0 to 100 for a blur of sigma 1 to 5; other values go on, down to none
+ *   backgroundColor  of the rectangle's ground: its lowest byte is channel 0, the highest channel 3
+ *   shadowColor      of the shadow, likewise
+ *   angle            in degrees, clockwise: 0 throws the shadow up, 90 to the right. Below 0 and above 360 the image and
+ *                    the shadow may come to lie outside, where nothing is drawn
+ *   imagePos, shadowPos  receive the upper left corners of the source and of the shadow in the new image, also when
+ *                    memory is out later; may be NULL
+ *   flags            ZLV40_SHADOW_OF_ALPHA follows the alpha channel, which four channels have; and
+ *                    ZLV40_SHADOW_TINTED gives that shadow its colour, and by itself means both
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY (also when the new image would be too large
+ * or less than a pixel wide or high, or an empty source has no alpha to follow); outImage, outWidth and outHeight are not
+ * written then. A cancel leaves a shadow that is not finished, and the result is 1. Works on the calling thread. */
+#define ZLV40_DropShadowEx _ZLV40_DropShadowEx
+ZLV40_API uint32_t ZLV40_DropShadowEx(const uint8_t* src, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
+                                      uint32_t srcRowStride, uint8_t** outImage, uint32_t* outWidth,
+                                      uint32_t* outHeight, int32_t distance, int32_t blurPercent,
+                                      uint32_t backgroundColor, uint32_t shadowColor, int32_t angle, point* imagePos,
+                                      point* shadowPos, uint32_t flags);
+
+/* ZLV40_DropShadowEx of an image whose rows are packed, without the two corners. */
+#define ZLV40_DropShadow _ZLV40_DropShadow
+ZLV40_API uint32_t ZLV40_DropShadow(const uint8_t* src, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
+                                    uint8_t** outImage, uint32_t* outWidth, uint32_t* outHeight, int32_t distance,
+                                    int32_t blurPercent, uint32_t backgroundColor, uint32_t shadowColor, int32_t angle,
+                                    uint32_t flags);
+
+/* Frames an image with four shades, in place, so that it looks raised or sunken. A shade is a percentage: samples are
+ * multiplied by shade / 100, limited to 255 and truncated; 100 changes nothing.
+ *   image          height rows of width pixels, 8 bits a sample, interleaved; not NULL
+ *   width, height  1 or more, and at least 2 * bevelWidth
+ *   rowStride      bytes from one row to the next
+ *   bevelWidth     of the frame, in pixels
+ *   bytesPerPixel  channels
+ *   flags          ZLV40_PROTECT_ALPHA leaves the fourth of four channels alone
+ *   leftShade, topShade, rightShade, bottomShade  in percent, limited to 0 to 255 and truncated; not NaN. The corners
+ *                  are the top's and the bottom's
+ *   blur           blurs the frame by a Gaussian of sigma blur / 100; 0 leaves it sharp
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT, ZLV40_ERROR_OUT_OF_MEMORY (also for an empty image) (nothing is written)
+ * or ZLV40_ERROR_CANCELLED (rows done so far stay). Progress once a row. Works on the calling thread. */
+#define ZLV40_ShadeBevelEdge _ZLV40_ShadeBevelEdge
+ZLV40_API uint32_t ZLV40_ShadeBevelEdge(uint8_t* image, uint32_t width, uint32_t height, uint32_t rowStride,
+                                        uint32_t bevelWidth, uint32_t bytesPerPixel, uint32_t flags, double leftShade,
+                                        double topShade, double rightShade, double bottomShade, double blur);
+
+/* Puts a soft halo of one colour behind the shape that the alpha channel describes, in place: the alpha is blurred,
+ * reshaped by a curve, and becomes the new alpha where it is larger.
+ *   image          height rows of width pixels of four channels, the last one alpha; not NULL
+ *   width, height  1 or more
+ *   rowStride      bytes from one row to the next
+ *   size           reach of the glow in pixels: a Gaussian of sigma size / 2.5
+ *   opacity        of the glow, limited to 0 to 1; not NaN
+ *   color          of the glow: its lowest byte is channel 0; the highest one is not used
+ *   curve          256 bytes, the coverage for each blurred alpha; NULL for (i / 256) to the power 5 / 9, times 256
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY (also for an empty image); nothing is written
+ * then. The blur's progress; a cancel ends the blur, and the result is 1. Works on the calling thread. */
+#define ZLV40_OuterGlowRGBA _ZLV40_OuterGlowRGBA
+ZLV40_API uint32_t ZLV40_OuterGlowRGBA(uint8_t* image, uint32_t width, uint32_t height, uint32_t rowStride,
+                                       uint32_t size, double opacity, uint32_t color, const uint8_t* curve);
+
+/* Tints a shape from its edges inwards, in place: what is transparent is blurred into the shape, reshaped by a curve, and
+ * gives the colour's share. Alpha stays, and so do pixels whose alpha is 0. Arguments and results as with
+ * ZLV40_OuterGlowRGBA, but that the default curve does not know the opacity, which limits the share. */
+#define ZLV40_InnerGlowRGBA _ZLV40_InnerGlowRGBA
+ZLV40_API uint32_t ZLV40_InnerGlowRGBA(uint8_t* image, uint32_t width, uint32_t height, uint32_t rowStride,
+                                       uint32_t size, double opacity, uint32_t color, const uint8_t* curve);
 
 #ifdef __cplusplus
 }

@@ -24,7 +24,13 @@ public:
     // Zeros; false when they can't be had. Called once.
     [[nodiscard]] bool Allocate(u64 count)
     {
-        if (IsTooLong(count)) return false;
+        return !IsTooLong(count) && AllocateAny(count);
+    }
+
+    // The same up to what memory holds.
+    [[nodiscard]] bool AllocateAny(u64 count)
+    {
+        if (count > SIZE_MAX / sizeof(T)) return false;
         data_ = static_cast<T*>(platform::AllocateClientBlock(size_t(count) * sizeof(T)));
         return data_ != nullptr;
     }

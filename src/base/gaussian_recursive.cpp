@@ -2,9 +2,11 @@
 
 #include "base/gaussian_coefficients.h"
 #include "base/gaussian_lines.kernels.h"
+#include "base/repeated_columns.h"
 #include "runtime/array.h"
 
 #include <algorithm>
+#include <cstring>
 #include <type_traits>
 
 namespace zlv {
@@ -16,7 +18,8 @@ constexpr u64 kAlignment = 64;
 constexpr size_t RoundUpToGroup(size_t lines) { return (lines + kLineGroup - 1) / kLineGroup * kLineGroup; }
 
 // The image between the passes: rows of 16-bit integers, padded to whole groups of columns. A group more keeps the rows
-// of a column, at the usual widths, from sharing a few sets of the cache.
+// of a column, at the usual widths, from sharing a few sets of the cache. Rows that repeat the one above them are kept
+// and filtered once: shadows and frames consist of little else.
 class WorkPlane {
 public:
     [[nodiscard]] bool Resize(u64 width, u64 height)
@@ -25,14 +28,18 @@ public:
         width_ = width;
         stride_ = RoundUpToGroup(width) + (width > kLineGroup ? kLineGroup : 0);
         if (height > SIZE_MAX / stride_) return false;
-        return values_.Resize(stride_ * height, kAlignment);
+        return places_.Resize(height) && values_.Resize(stride_ * height, kAlignment);
     }
 
-    u16* Row(u32 y) { return values_.GetData() + size_t(y) * stride_; }
+    // The kept rows, and the one of them that row y of the image is.
+    void SetPlace(u32 y, u32 kept) { places_[y] = kept; }
+    u16* KeptRow(u32 kept) { return values_.GetData() + size_t(kept) * stride_; }
+    u16* Row(u32 y) { return KeptRow(places_[y]); }
     size_t Width() const { return width_; }
     size_t Stride() const { return stride_; }
 
 private:
+    MVBuffer<u32> places_;
     MVAlignedArray<u16> values_;
     size_t width_ = 0;
     size_t stride_ = 0;
@@ -67,30 +74,43 @@ public:
 private:
     bool BlurRows(const ChannelSpan& span)
     {
-        for (u64 start = 0; start < height_; start += kLineGroup) {
-            const u32 y = u32(start), rows = std::min(u32(kLineGroup), height_ - y);
-            for (u32 i = 0; i < rows; ++i) ReadRow(y + i, span);
-            BlurGroupOfRows(y, rows, span.count);
-            for (u32 i = 0; i < rows; ++i) {
-                if (!work_.Report(y + i, height_)) return false;
+        kept_ = 0;
+        u32 blurred = 0, reported = 0;
+        for (u32 y = 0; y < height_; ++y) {
+            if (!RepeatsRow(y, span)) ReadRow(y, kept_++, span);
+            plane_.SetPlace(y, kept_ - 1);
+            if (kept_ - blurred < kLineGroup && y + 1 < height_) continue;
+            BlurGroupOfRows(blurred, kept_ - blurred, span.count);
+            blurred = kept_;
+            for (; reported <= y; ++reported) {
+                if (!work_.Report(reported, height_)) return false;
             }
         }
         return true;
     }
 
-    // Lanes without a row keep what they have: no other lane sees it.
-    void BlurGroupOfRows(u32 y, u32 rows, u32 count)
+    bool RepeatsRow(u32 y, const ChannelSpan& span) const
     {
+        const ImageView<const T>& source = images_.source;
+        if (y == 0 || span.count < source.channels) return false;
+        return std::memcmp(source.Row(y), source.Row(y - 1), source.SamplesPerRow() * sizeof(T)) == 0;
+    }
+
+    // Lanes without a row keep what they have: no other lane sees it.
+    void BlurGroupOfRows(u32 kept, u32 rows, u32 count)
+    {
+        if (rows == 0) return;
         u16* const block = block_.GetData();
         if (rows < kLineGroup) std::fill_n(block, plane_.Width() * kLineGroup, u16{0});
-        kernels_.transpose(plane_.Row(y), plane_.Stride(), block, kLineGroup, rows, plane_.Width());
+        kernels_.transpose(plane_.KeptRow(kept), plane_.Stride(), block, kLineGroup, rows, plane_.Width());
         for (u32 c = 0; c < count; ++c) FirstPass(block + c * kLineGroup, count * kLineGroup);
-        kernels_.transpose(block, kLineGroup, plane_.Row(y), plane_.Stride(), plane_.Width(), rows);
+        kernels_.transpose(block, kLineGroup, plane_.KeptRow(kept), plane_.Stride(), plane_.Width(), rows);
     }
 
     // Blocks of columns are copied out of the plane, which is then read once and by whole cache lines.
     bool BlurColumns(const ChannelSpan& span)
     {
+        if (BlurRepeatedColumns(span)) return true;
         for (size_t x = 0; x < plane_.Width(); x += kColumnBlock) {
             const size_t columns = std::min(kColumnBlock, plane_.Width() - x);
             u16* const block = block_.GetData();
@@ -99,6 +119,31 @@ private:
             for (size_t i = 0; i < columns; i += kLineGroup) SecondPass(block + i);
             if (!WriteColumns(x, columns, span)) return false;
         }
+        return true;
+    }
+
+    // Columns that repeat their neighbour are filtered once. False when there are too few of them, or when somebody
+    // wants to hear of each.
+    bool BlurRepeatedColumns(const ChannelSpan& span)
+    {
+        if (work_.MayReport() || span.count < images_.destination.channels) return false;
+        RepeatedColumns columns;
+        const auto keptRow = [&](u32 kept) { return plane_.KeptRow(kept); };
+        if (!columns.Find(plane_.Width(), kept_, span.count, keptRow)) return false;
+        MVBuffer<T> made;
+        const size_t count = columns.Count();
+        if (!made.Resize(u64(count) * height_)) return false;
+        u16* const block = block_.GetData();
+        for (size_t first = 0; first < count; first += blockStep_) {
+            const size_t together = std::min(blockStep_, count - first);
+            for (u32 y = 0; y < height_; ++y) columns.Gather(plane_.Row(y), first, together, block + y * blockStep_);
+            for (size_t i = 0; i < together; i += kLineGroup) SecondPass(block + i);
+            for (u32 y = 0; y < height_; ++y) {
+                T* const to = made.GetData() + y * count + first;
+                for (size_t i = 0; i < together; ++i) to[i] = T(block[y * blockStep_ + i]);
+            }
+        }
+        columns.Spread(made.GetData(), images_.destination);
         return true;
     }
 
@@ -149,10 +194,10 @@ private:
         }
     }
 
-    void ReadRow(u32 y, const ChannelSpan& span)
+    void ReadRow(u32 y, u32 kept, const ChannelSpan& span)
     {
         const T* const from = images_.source.Row(y) + span.first;
-        u16* const to = plane_.Row(y);
+        u16* const to = plane_.KeptRow(kept);
         const size_t channels = images_.source.channels;
         if (span.count < channels) {
             for (size_t x = 0; x < width_; ++x) to[x] = from[x * channels];
@@ -170,6 +215,7 @@ private:
     const u32 width_, height_;
     const RecursiveGaussianCoefficients<Real> filter_;
     WorkPlane plane_;
+    u32 kept_ = 0;                   // rows of the plane
     MVAlignedArray<u16> block_;      // a group of rows, turned, or a block of columns
     size_t blockStep_ = 0;           // from one row of a block of columns to the next
     MVAlignedArray<Real> lineWork_;  // what the kernels keep between the directions

@@ -217,6 +217,52 @@ TEST(GaussianBlur, SigmaOneTakesTheRecursion)
     EXPECT_GT(recursive[6], 0);
 }
 
+// Rows and columns like those beside them are done once: pictures of few different ones, in all arrangements.
+template <class T>
+std::vector<T> Stripes(const Shape& shape, u32 rowHeight, u32 columnWidth, u32 odd)
+{
+    std::vector<T> samples(size_t(shape.SourceStride()) * shape.height);
+    for (u32 y = 0; y < shape.height; ++y) {
+        for (u32 x = 0; x < shape.width; ++x) {
+            for (u32 c = 0; c < shape.channels; ++c) {
+                const u32 number = y / rowHeight * 37 + x / columnWidth * 91 + c * 55;
+                samples[size_t(y) * shape.SourceStride() + x * shape.channels + c] = T(number * 257);
+            }
+        }
+    }
+    // A few pixels out of the order, in the first rows and in the last ones.
+    for (u32 i = 0; i < odd; ++i) samples[(i * 7919) % samples.size()] = T(i * 1000);
+    return samples;
+}
+
+TEST(GaussianBlur, RepeatedLinesEqualPlain)
+{
+    OnEveryTarget([]<class T>() {
+        for (const Shape& shape : {Shape{300, 40, 1}, Shape{200, 9, 3, 4, 2}, Shape{90, 100, 4},
+                                   Shape{40, 200, 2, 1, 0}, Shape{3, 70, 3}, Shape{500, 1, 1}}) {
+            for (const auto& [rowHeight, columnWidth] : {std::pair{1000u, 1000u}, std::pair{8u, 1u}, std::pair{1u, 9u},
+                                                         std::pair{20u, 50u}, std::pair{3u, 2u}, std::pair{1u, 3u}}) {
+                for (const u32 odd : {0u, 1u, 5u}) {
+                    for (const f64 sigma : {1.5, 6.0}) {
+                        for (const bool reports : {false, true}) {
+                            SCOPE(shape.width, shape.height, shape.channels, rowHeight, columnWidth, odd, sigma,
+                                  reports);
+                            const std::vector<T> source = Stripes<T>(shape, rowHeight, columnWidth, odd);
+                            std::vector<T> wanted = Fill<T>(shape, 0x5A), got = wanted;
+                            const std::vector<Report> told = BlurPlainly(shape, source, wanted, sigma, 0xFF);
+                            Recording recording;
+                            if (!reports) MV40_SetCallback(nullptr, 0);
+                            EXPECT_EQ(Blur(shape, source, got, sigma, 0xFF), 1u);
+                            EXPECT_EQ(zlvtest::Difference(wanted.data(), got.data(), got.size()), "");
+                            EXPECT_EQ(recording.recorder.reports, reports ? told : std::vector<Report>());
+                        }
+                    }
+                }
+            }
+        }
+    });
+}
+
 // Results of the precisions differ here; which sigma takes which is seen by the twins of both.
 TEST(GaussianBlur, FromSigmaFourAndAHalfOnItIsSinglePrecision)
 {

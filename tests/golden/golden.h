@@ -66,6 +66,7 @@ std::vector<GoldenRow> DisplacementGolden();
 std::vector<GoldenRow> EdgesGolden();
 std::vector<GoldenRow> FrequencyGolden();
 std::vector<GoldenRow> GenerateGolden();
+std::vector<GoldenRow> LayerStylesGolden();
 std::vector<GoldenRow> MedianGolden();
 std::vector<GoldenRow> MorphologyGolden();
 std::vector<GoldenRow> NoiseGolden();

@@ -20,6 +20,7 @@ std::vector<GoldenRow> AllRows()
     add(EdgesGolden());
     add(FrequencyGolden());
     add(GenerateGolden());
+    add(LayerStylesGolden());
     add(MedianGolden());
     add(MorphologyGolden());
     add(NoiseGolden());

@@ -1,0 +1,169 @@
+// Glows of an image with alpha, in place: a halo behind the shape, and a tint from its edges inwards. Both blur the
+// alpha and reshape it by a curve.
+#include "base/buffer_rows.h"
+#include "base/channels.h"
+#include "base/gaussian_blur.h"
+#include "base/image_view.h"
+#include "base/merge.h"
+#include "base/overlay.h"
+#include "base/table_pass.h"
+#include "runtime/array.h"
+#include "runtime/clamp.h"
+#include "runtime/frame.h"
+#include "runtime/math.h"
+
+#include "zlv40.h"
+
+#include <cstring>
+
+using namespace zlv;
+
+namespace {
+
+constexpr u32 kColours = 3;
+constexpr u32 kChannels = 4;
+constexpr f64 kSizePerSigma = 2.5;
+constexpr u32 kFirstChannel = 1;
+// Lifts the thin end of a blur, so that a glow keeps its body at a distance.
+constexpr f64 kDefaultExponent = 0.5555555555555556;
+
+f64 DefaultCurve(u32 i) { return Pow(i * 0.00390625, kDefaultExponent) * 256; }
+
+struct Glow {
+    ImageView<u8> image;
+    f64 sigma, opacity;
+    u32 color;
+    const u8* curve;  // null for the default
+};
+
+// Planes of one byte a pixel, packed.
+[[nodiscard]] bool Allocate(MVBuffer<u8>& plane, const ImageView<u8>& image, u32 bytesPerPixel)
+{
+    return plane.Resize(u64(image.width) * image.height * bytesPerPixel);
+}
+
+void Invert(u8* plane, size_t count)
+{
+    for (size_t i = 0; i < count; ++i) plane[i] = u8(255 - plane[i]);
+}
+
+void ReadAlpha(const ImageView<u8>& image, u8* alpha)
+{
+    (void)MV40_SplitRGBAToRGBPlusA(image.data, image.width, image.height, image.stride, nullptr, 0, alpha, image.width,
+                                   0);
+}
+
+// Progress is the client's. Whether the blur came to its end is not asked: what it has not written is 0.
+void Blur(CallFrame& frame, const Glow& glow, const u8* from, u8* to)
+{
+    const u32 width = glow.image.width, height = glow.image.height;
+    std::memset(to, 0, size_t(width) * height);
+    const ForwardingSpan span(frame);
+    (void)MV40_GaussianBlurImage(from, width, height, 1, width, to, width, glow.sigma, kFirstChannel | kBlurTruncates);
+}
+
+void ApplyTable(const Glow& glow, u8* plane, const u8* table)
+{
+    const void* const tables[] = {table};
+    (void)MV40_ApplyLUTsToImage(plane, glow.image.width, glow.image.height, 1, glow.image.width, tables, 0);
+}
+
+// The two glows take their arguments alike.
+template <class Make>
+u32 MakeGlow(u8* image, u32 width, u32 height, u32 rowStride, u32 size, f64 opacity, u32 color, const u8* curve,
+             Make make)
+{
+    return InFrame(FrameKind::NoNestCount, [&](CallFrame& frame) -> u32 {
+        if (!image || opacity != opacity) return frame.Fail(Error::BadArgument);
+        const f64 lowest = 0, highest = 1;
+        return make(frame, Glow{{image, width, height, kChannels, rowStride},
+                                size / kSizePerSigma,
+                                ClampDouble(opacity, &lowest, &highest),
+                                color,
+                                curve});
+    });
+}
+
+// ---- The halo ---------------------------------------------------------------------------------------------------
+
+u32 GlowOutside(CallFrame& frame, const Glow& glow)
+{
+    const ImageView<u8>& image = glow.image;
+    const u32 width = image.width, height = image.height;
+    MVBuffer<u8> alpha, coverage, halo;
+    if (!Allocate(alpha, image, 1) || !Allocate(coverage, image, 1) || !Allocate(halo, image, kChannels)) {
+        return frame.Fail(Error::OutOfMemory);
+    }
+    ReadAlpha(image, alpha.GetData());
+    Blur(frame, glow, alpha.GetData(), coverage.GetData());
+
+    u8 table[256];
+    for (u32 i = 0; i < 256; ++i) table[i] = u8((glow.curve ? glow.curve[i] : DefaultCurve(i)) * glow.opacity);
+    ApplyTable(glow, coverage.GetData(), table);
+    // Under the shape the halo is as solid as the shape itself.
+    (void)MV40_OverlayImage(coverage.GetData(), width, height, 1, width, alpha.GetData(), width, height, width, 0, 0,
+                            1.0, 1.0, u32(OverlayMode::Lighter), 0);
+    const u32 haloStride = width * kChannels;
+    (void)MV40_AlphaBlendColor(halo.GetData(), width, height, kChannels, haloStride, coverage.GetData(), width, height,
+                               width, glow.color, 0, 0, kColorReplace);
+    (void)MV40_MergeRGBA(halo.GetData(), width, height, kChannels, haloStride, image.data, width, height, image.stride,
+                         0, 0, 1.0, u32(MergeMode::KeepAlpha));
+    (void)MV40_CopyBuffer(halo.GetData(), haloStride, height, image.stride, image.data);
+    frame.SetLastError(Error::None);
+    return 1;
+}
+
+// ---- The tint ---------------------------------------------------------------------------------------------------
+
+// A pixel of alpha `p` under a tint of alpha `a`, above 0: the tint's share of the colours.
+u32 ShareOf(u32 a, u32 p)
+{
+    const u32 t = (255 - a) * p / 255 + a;
+    return a * 255 / t;
+}
+
+void TintRow(u8* pixels, const u8* tints, u32 width, const u8* byOpacity, u32 color)
+{
+    for (u32 x = 0; x < width; ++x, pixels += kChannels) {
+        const u32 a = byOpacity[tints[x]], p = pixels[kColours];
+        if (p == 0 || a == 0) continue;
+        const u32 share = ShareOf(a, p);
+        for (u32 c = 0; c < kColours; ++c) {
+            pixels[c] = u8((pixels[c] * (255 - share) + u8(color >> (8 * c)) * share) / 255);
+        }
+    }
+}
+
+u32 GlowInside(CallFrame& frame, const Glow& glow)
+{
+    const ImageView<u8>& image = glow.image;
+    MVBuffer<u8> outside, tint;
+    if (!Allocate(outside, image, 1) || !Allocate(tint, image, 1)) return frame.Fail(Error::OutOfMemory);
+    ReadAlpha(image, outside.GetData());
+    Invert(outside.GetData(), outside.GetCount());
+    Blur(frame, glow, outside.GetData(), tint.GetData());
+
+    u8 defaultCurve[256], byOpacity[256];
+    for (u32 i = 0; i < 256; ++i) defaultCurve[i] = u8(DefaultCurve(i));
+    for (u32 i = 0; i < 256; ++i) byOpacity[i] = u8(i * glow.opacity);
+    ApplyTable(glow, tint.GetData(), glow.curve ? glow.curve : defaultCurve);
+    for (u32 y = 0; y < image.height; ++y) {
+        TintRow(image.Row(y), tint.GetData() + size_t(y) * image.width, image.width, byOpacity, glow.color);
+    }
+    frame.SetLastError(Error::None);
+    return 1;
+}
+
+}  // namespace
+
+ZLV_EXPORT u32 ZLV40_OuterGlowRGBA(u8* image, u32 width, u32 height, u32 rowStride, u32 size, f64 opacity, u32 color,
+                                   const u8* curve)
+{
+    return MakeGlow(image, width, height, rowStride, size, opacity, color, curve, GlowOutside);
+}
+
+ZLV_EXPORT u32 ZLV40_InnerGlowRGBA(u8* image, u32 width, u32 height, u32 rowStride, u32 size, f64 opacity, u32 color,
+                                   const u8* curve)
+{
+    return MakeGlow(image, width, height, rowStride, size, opacity, color, curve, GlowInside);
+}
