@@ -52,6 +52,7 @@ struct BenchRow {
 };
 
 std::vector<BenchRow> AdaptiveRows();
+std::vector<BenchRow> ArtisticRows();
 std::vector<BenchRow> BaseRows();
 std::vector<BenchRow> EdgesRows();
 std::vector<BenchRow> FilterRows();

@@ -1707,6 +1707,177 @@ ZLV40_API uint32_t ZLV40_OuterGlowRGBA(uint8_t* image, uint32_t width, uint32_t 
 ZLV40_API uint32_t ZLV40_InnerGlowRGBA(uint8_t* image, uint32_t width, uint32_t height, uint32_t rowStride,
                                        uint32_t size, double opacity, uint32_t color, const uint8_t* curve);
 
+/* ---- Artistic ----------------------------------------------------------------------------------------------- */
+
+/* Turns an image into black and white dots on a grid of cells, in place: the image is shrunk to a pixel a cell, each of
+ * them becomes black or white with diffusion of the error (R. W. Floyd, L. Steinberg, 1976), and grows again.
+ *   buffer         height rows of width pixels, 8 bits a sample, interleaved; not NULL
+ *   width          pixels a row, at least cellSize
+ *   height         rows, at least cellSize
+ *   bytesPerPixel  3
+ *   rowStride      bytes from one row to the next, >= width * 3; padding is not touched
+ *   cellSize       edge of a cell in pixels, 1 or more; cells that do not fit are spread over the others
+ *   smooth         0 for squares; else the dots run into each other
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written), ZLV40_ERROR_OUT_OF_MEMORY (nothing is written;
+ * also when no cell fits) or ZLV40_ERROR_CANCELLED.
+ * Progress while it grows: once a row with `smooth`, else once a channel. Can be cancelled, what was done so far stays
+ * changed. Works on the calling thread. */
+#define ZLV40_HalftoneImage _ZLV40_HalftoneImage
+ZLV40_API uint32_t ZLV40_HalftoneImage(uint8_t* buffer, uint32_t width, uint32_t height, int32_t bytesPerPixel,
+                                       uint32_t rowStride, uint32_t cellSize, int32_t smooth);
+
+/* Turns an image into squares of one colour, the mean of the pixels that it covers, in place.
+ *   buffer         height rows of width pixels, 8 bits a sample, interleaved; not NULL
+ *   width          pixels a row, at least cellSize
+ *   height         rows, at least cellSize
+ *   bytesPerPixel  1, 3 or 4
+ *   rowStride      bytes from one row to the next, >= width * bytesPerPixel; padding is not touched
+ *   cellSize       edge of a square in pixels, 1 or more; squares that do not fit are spread over the others
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written; also when no square fits),
+ * ZLV40_ERROR_OUT_OF_MEMORY (nothing is written) or ZLV40_ERROR_CANCELLED.
+ * Progress once a channel; none when every pixel is a square and the rows have no padding. Can be cancelled, channels
+ * done so far stay changed. Works on the calling thread. */
+#define ZLV40_MosaicImage _ZLV40_MosaicImage
+ZLV40_API uint32_t ZLV40_MosaicImage(uint8_t* buffer, uint32_t width, uint32_t height, int32_t bytesPerPixel,
+                                     uint32_t rowStride, uint32_t cellSize);
+
+/* Draws a gray image as text: `rows` lines of `columns` characters, each with a line feed (10) behind it, and a zero at
+ * the end.
+ *   source         height rows of width samples of 8 bits; not NULL; not changed
+ *   width, height  of the source, 1 or more
+ *   sourceStride   bytes from one row to the next, >= width
+ *   text           room for (columns + 1) * rows + 1 bytes; not NULL
+ *   columns        characters a line, 1 or more
+ *   rows           lines, 1 or more; 0 is refused too, but text[0] becomes 0
+ *   ramp           the characters from dark to light, ended by a zero, one at least; NULL for "WM$@#%^x*o=+:~. "
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY (nothing is written).
+ * Never reports progress and can't be cancelled. Works on the calling thread. */
+#define ZLV40_ASCIIizeGrayscaleImage _ZLV40_ASCIIizeGrayscaleImage
+ZLV40_API uint32_t ZLV40_ASCIIizeGrayscaleImage(const uint8_t* source, uint32_t width, uint32_t height,
+                                                uint32_t sourceStride, uint8_t* text, uint32_t columns, uint32_t rows,
+                                                const char* ramp);
+
+/* What ZLV40_GauzyRGB lays over the blurred image. Other values: nothing. */
+enum ZLV40_GauzyMode {
+    ZLV40_GAUZY_GRAY = 0,    /* the image in gray, sharpened */
+    ZLV40_GAUZY_CURVE = 1,   /* the same, but for its dark half, which is black, and its light half almost */
+    ZLV40_GAUZY_COPY = 2,    /* the image */
+    ZLV40_GAUZY_LIGHTER = 3, /* the image where it is lighter */
+    ZLV40_GAUZY_DARKER = 4   /* the image where it is darker */
+};
+
+/* Lays a thin copy of an image over a heavily blurred one.
+ *   source             height rows of width pixels of 3 channels, 8 bits a sample; not NULL; not changed
+ *   width, height      of both images, 1 or more
+ *   sourceStride       bytes from one row of source to the next, >= width * 3
+ *   destination        the result, with as many rows and pixels; not NULL, not source
+ *   destinationStride  bytes from one row of destination to the next, >= width * 3; padding is not touched
+ *   blur               limited to 0..1; 1 is a Gaussian of a standard deviation of 30 pixels
+ *   sharpness          limited to 0..1; of the gray copies
+ *   opacity            limited to 0..1; of the copy, which at 1 is half there
+ *   mode               a ZLV40_GauzyMode
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written; also for a number that is none),
+ * ZLV40_ERROR_OUT_OF_MEMORY (also when width or height is 0) or ZLV40_ERROR_CANCELLED.
+ * Progress while it blurs: once a row and once a column of each channel, from a standard deviation of 1 on, below it
+ * twice a channel. Can be cancelled, what was done so far stays. Works on the calling thread. */
+#define ZLV40_GauzyRGB _ZLV40_GauzyRGB
+ZLV40_API uint32_t ZLV40_GauzyRGB(const uint8_t* source, uint32_t width, uint32_t height, uint32_t sourceStride,
+                                  uint8_t* destination, uint32_t destinationStride, double blur, double sharpness,
+                                  double opacity, uint32_t mode);
+
+/* What ZLV40_Scribble draws on. */
+enum ZLV40_ScribbleBase {
+    ZLV40_SCRIBBLE_BLURRED = 0,    /* the image through a Gaussian of a standard deviation of 2.5 pixels */
+    ZLV40_SCRIBBLE_MIDPOINTS = 1,  /* the image through ZLV40_MidpointFilter of 5 pixels */
+    ZLV40_SCRIBBLE_POSTERIZED = 2, /* the image through ZLV40_PosterizeRGB */
+    ZLV40_SCRIBBLE_DESPECKLED = 3  /* the image as it is */
+};
+
+/* Draws the edges of an image in black over a simplified version of it.
+ *   source           height rows of width pixels of 3 channels, 8 bits a sample, without padding; not NULL; not changed
+ *   width, height    of both images, 1 or more
+ *   destination      the result, with as many rows and pixels, without padding; not NULL, not source
+ *   baseKind         a ZLV40_ScribbleBase
+ *   edgesFromResult  0 for the edges of the source; else those of the simplified version
+ *   opacity          of the edges in percent, from 100 on all of it
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written), ZLV40_ERROR_OUT_OF_MEMORY (also when width or
+ * height is 0) or ZLV40_ERROR_CANCELLED; after a cancel with ZLV40_SCRIBBLE_POSTERIZED with ZLV40_ERROR_NONE.
+ * Progress is that of the simplification: once a row and once a column of each channel; a channel; a row; a channel.
+ * Can be cancelled, what was done so far stays. Works on the calling thread. */
+#define ZLV40_Scribble _ZLV40_Scribble
+ZLV40_API uint32_t ZLV40_Scribble(const uint8_t* source, uint32_t width, uint32_t height, uint8_t* destination,
+                                  uint32_t baseKind, int32_t edgesFromResult, uint32_t opacity);
+
+/* Flags of ZLV40_Fingerprint. */
+enum ZLV40_FingerprintFlag { ZLV40_FINGERPRINT_LIGHT = 1 /* thickens what is light instead of what is dark */ };
+
+/* Turns a gray image into ridge lines: blurs it, thickens its lines, takes each pixel against the others of a window
+ * and stretches what comes out.
+ *   source             height rows of width samples of 8 bits; not NULL; not changed
+ *   width, height      of both images, 1 or more
+ *   sourceStride       bytes from one row of source to the next, >= width
+ *   destination        the result, with as many rows and samples; not NULL; may be source
+ *   destinationStride  bytes from one row of destination to the next, >= width; padding is not touched
+ *   blur               a Gaussian of a standard deviation of blur / 8 pixels; below 0 it is 0
+ *   ridge              edge of the window in pixels, up to 2901; even sizes grow by 1, and below 3 it is 3
+ *   flags              0, or ZLV40_FINGERPRINT_LIGHT; other bits are ignored
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written; also for a blur that is no number or out of all
+ * proportion) or ZLV40_ERROR_OUT_OF_MEMORY (also when width or height is 0).
+ * Progress once a row of the windows. A cancel ends these: the rows behind it keep what they held, and the result is 1
+ * all the same. Works on the calling thread. */
+#define ZLV40_Fingerprint _ZLV40_Fingerprint
+ZLV40_API uint32_t ZLV40_Fingerprint(const uint8_t* source, uint32_t width, uint32_t height, uint32_t sourceStride,
+                                     uint8_t* destination, uint32_t destinationStride, double blur, uint32_t ridge,
+                                     uint32_t flags);
+
+/* Flags of ZLV40_OilPaintRGB. */
+enum ZLV40_OilPaintFlag {
+    ZLV40_OIL_PAINT_BLEND = 1,   /* mixes in the level that was the most frequent one before the last */
+    ZLV40_OIL_PAINT_EQUALIZE = 2 /* equalises the brightness first */
+};
+
+/* Paints an image in dabs: every pixel takes the mean colour of those pixels in a square around it whose brightness is
+ * the most frequent one. The square is cut off at the edges of the image. Of equally frequent levels the lowest counts.
+ *   source             height rows of width pixels of 3 channels, 8 bits a sample; not NULL; not changed
+ *   width, height      of both images, 1 or more
+ *   sourceStride       bytes from one row of source to the next, >= width * 3
+ *   destination        the result, with as many rows and pixels; not NULL, not source
+ *   destinationStride  bytes from one row of destination to the next, >= width * 3; padding is not touched
+ *   radius             of the square in pixels, up to 10, more is 10; 0 copies
+ *   levels             of brightness, less one: up to 255, more is 255; 0 makes the square's plain mean
+ *   flags              ZLV40_OilPaintFlag values; with ZLV40_OIL_PAINT_BLEND a pixel is mixed with the most frequent
+ *                      level among the lower ones, if there is one, by their frequencies; other bits are ignored
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written), ZLV40_ERROR_OUT_OF_MEMORY (nothing is written;
+ * also when width is 0 or height is not above 0) or ZLV40_ERROR_CANCELLED.
+ * Progress once a row; can be cancelled, rows done so far stay. Works on the calling thread. */
+#define ZLV40_OilPaintRGB _ZLV40_OilPaintRGB
+ZLV40_API uint32_t ZLV40_OilPaintRGB(const uint8_t* source, uint32_t width, int32_t height, uint32_t sourceStride,
+                                     uint8_t* destination, uint32_t destinationStride, uint32_t radius, uint32_t levels,
+                                     uint32_t flags);
+
+/* Flags of ZLV40_WatercolorTintRGB. */
+enum ZLV40_WatercolorFlag {
+    ZLV40_WATERCOLOR_STRETCH = 1, /* spreads the levels of the blurred version over the whole range */
+    ZLV40_WATERCOLOR_LIGHTER = 2  /* takes the larger samples; without it the smaller ones */
+};
+
+/* Lays a blurred gray version of an image over the image, where it is darker or where it is lighter.
+ *   source             height rows of width pixels of 3 channels, 8 bits a sample; not NULL; not changed
+ *   width, height      of both images, 1 or more
+ *   sourceStride       bytes from one row of source to the next, >= width * 3
+ *   destination        the result, with as many rows and pixels; not NULL, not source
+ *   destinationStride  bytes from one row of destination to the next, >= width * 3; padding is not touched
+ *   amount             limited to 0..1; 1 is a Gaussian of a standard deviation of 30 pixels
+ *   flags              ZLV40_WatercolorFlag values; other bits are ignored
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written; also for an amount that is no number),
+ * ZLV40_ERROR_OUT_OF_MEMORY (nothing is written; also when width or height is 0) or ZLV40_ERROR_CANCELLED.
+ * Progress after each of six stages. Can be cancelled: destination is written in the last two. Works on the calling
+ * thread. */
+#define ZLV40_WatercolorTintRGB _ZLV40_WatercolorTintRGB
+ZLV40_API uint32_t ZLV40_WatercolorTintRGB(const uint8_t* source, uint32_t width, uint32_t height,
+                                           uint32_t sourceStride, uint8_t* destination, uint32_t destinationStride,
+                                           double amount, uint8_t flags);
+
 #ifdef __cplusplus
 }
 #endif

@@ -53,6 +53,7 @@ def image_shape(export, image):
             f".isWritten = {'false' if image.facts['access'] == 'in' else 'true'}, "
             f".hasWholeRows = {'true' if 'padding' in image.facts else 'false'}, "
             f".isPerChannel = {'true' if image.facts.get('per') == 'channel' else 'false'}, "
+            f".isText = {'true' if image.facts.get('text') else 'false'}, "
             f".wider = {names.index(image.facts['wider']) if 'wider' in image.facts else -1}}}")
 
 
@@ -109,6 +110,7 @@ def effect_row(export):
         f"     .canCancel = {'true' if facts['cancel'] else 'false'},",
         *(["     .repeats = false,"] if not facts.get("repeats", True) else []),
         f"     .cancelError = {description.ERRORS['CANCELLED'] if 'CANCELLED' in facts['errors'] else 0},",
+        f"     .isCancelQuiet = {'true' if facts.get('quiet_cancel') else 'false'},",
         "     .arguments = {",
         *(argument_row(export, argument) for argument in export.arguments),
         "     },",

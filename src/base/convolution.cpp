@@ -4,6 +4,7 @@
 
 #include "base/channel_list.h"
 #include "base/convolution.kernels.h"
+#include "base/convolution_box.h"
 #include "base/image_view.h"
 #include "base/row_ring.h"
 #include "base/sample.h"
@@ -30,7 +31,8 @@ struct IntegerKernel {
 };
 
 constexpr f64 kSmallestUnit = 1.0 / (1 << 20);
-constexpr f64 kLargestWeight = 32767;
+constexpr f64 kLargestEntry = 2147483647;
+constexpr f64 kLargestWeight = 32767;  // of pairs
 
 // The largest power of two, up to 1, that every entry is a multiple of; 0 if there is none that serves.
 f64 FindUnit(const Kernel& kernel)
@@ -38,7 +40,7 @@ f64 FindUnit(const Kernel& kernel)
     f64 unit = 1;
     for (u64 i = 0; i < kernel.Count(); ++i) {
         const f64 entry = kernel.entries[i];
-        if (!(entry >= -kLargestWeight && entry <= kLargestWeight)) return 0;  // also what is no number
+        if (!(entry >= -kLargestEntry && entry <= kLargestEntry)) return 0;  // also what is no number
         while (entry / unit != f64(i64(entry / unit))) {
             unit /= 2;
             if (unit < kSmallestUnit) return 0;
@@ -197,6 +199,22 @@ u32 FilterRows(BaseWork& work, const ImageView<const T>& src, const ImageView<T>
     return 1;
 }
 
+// The same for a kernel whose windows slide.
+template <class T>
+u32 FilterRowsByBox(BaseWork& work, const ImageView<const T>& src, const ImageView<T>& dst, const ChannelList& channels,
+                    const BoxKernel& kernel, const ConvolutionResult& result)
+{
+    BoxRows<T> rows(src, channels, kernel, result);
+    MVBuffer<T> out;
+    if (!rows.Prepare() || !out.Resize(src.width * u64(channels.Count()))) return work.Fail(Error::OutOfMemory);
+    for (u32 y = 0; y < src.height; ++y) {
+        rows.MakeRow(y, channels.IsAll() ? dst.Row(y) : out.GetData());
+        if (!channels.IsAll()) channels.Scatter(out.GetData(), src.width, dst.Row(y));
+        if (!work.Report(y, src.height)) return 0;
+    }
+    return 1;
+}
+
 bool IsGoodKernel(const Kernel& kernel)
 {
     if (!kernel.entries || kernel.width % 2 == 0 || kernel.height % 2 == 0) return false;
@@ -223,6 +241,8 @@ u32 Convolve(MVThreadContext& context, Error& error, const ImageView<const T>& s
 
     const ConvolutionResult result = {scale, f64(kTop<T>), !(flags & kPlainSum)};
     const f64 unit = FindUnit(kernel);
+    const BoxKernel box = FindBoxKernel(kernel.entries, kernel.width, kernel.height, unit, kTop<T>);
+    if (box.IsBox()) return FilterRowsByBox(work, src, dst, channels, box, result);
     if (!IsExactInIntegers(kernel, unit, kTop<T>)) {
         const DoubleSums<T> sums(kernel, channels.Count(), result);
         return FilterRows(work, src, dst, channels, kernel, sums);

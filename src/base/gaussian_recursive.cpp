@@ -64,7 +64,7 @@ public:
         const u64 samples = u64(width_) * count;
         blockStep_ = std::min(kColumnBlock, RoundUpToGroup(samples));
         const u64 blockSize = std::max(samples * kLineGroup, height_ * blockStep_);
-        return plane_.Resize(samples, height_) && block_.Resize(blockSize, kAlignment) &&
+        return plane_.Resize(samples, height_) && repeated_.Resize(samples) && block_.Resize(blockSize, kAlignment) &&
                lineWork_.Resize(std::max<u64>(width_, height_) * kLineGroup, kAlignment);
     }
 
@@ -127,23 +127,19 @@ private:
     bool BlurRepeatedColumns(const ChannelSpan& span)
     {
         if (work_.MayReport() || span.count < images_.destination.channels) return false;
-        RepeatedColumns columns;
-        const auto keptRow = [&](u32 kept) { return plane_.KeptRow(kept); };
-        if (!columns.Find(plane_.Width(), kept_, span.count, keptRow)) return false;
-        MVBuffer<T> made;
-        const size_t count = columns.Count();
-        if (!made.Resize(u64(count) * height_)) return false;
+        if (!repeated_.Find(kept_, span.count, [&](u32 kept) { return plane_.KeptRow(kept); })) return false;
+        const ImageView<T>& image = images_.destination;
         u16* const block = block_.GetData();
-        for (size_t first = 0; first < count; first += blockStep_) {
-            const size_t together = std::min(blockStep_, count - first);
-            for (u32 y = 0; y < height_; ++y) columns.Gather(plane_.Row(y), first, together, block + y * blockStep_);
-            for (size_t i = 0; i < together; i += kLineGroup) SecondPass(block + i);
+        for (size_t first = 0; first < repeated_.Count(); first += blockStep_) {
+            const size_t count = std::min(blockStep_, repeated_.Count() - first);
+            for (u32 y = 0; y < height_; ++y) repeated_.Gather(plane_.Row(y), first, count, block + y * blockStep_);
+            for (size_t i = 0; i < count; i += kLineGroup) SecondPass(block + i);
             for (u32 y = 0; y < height_; ++y) {
-                T* const to = made.GetData() + y * count + first;
-                for (size_t i = 0; i < together; ++i) to[i] = T(block[y * blockStep_ + i]);
+                T* const to = image.Row(y) + first;
+                for (size_t i = 0; i < count; ++i) to[i] = T(block[y * blockStep_ + i]);
             }
         }
-        columns.Spread(made.GetData(), images_.destination);
+        repeated_.Spread(image, reinterpret_cast<T*>(block));
         return true;
     }
 
@@ -215,7 +211,8 @@ private:
     const u32 width_, height_;
     const RecursiveGaussianCoefficients<Real> filter_;
     WorkPlane plane_;
-    u32 kept_ = 0;                   // rows of the plane
+    u32 kept_ = 0;  // rows of the plane
+    RepeatedColumns repeated_;
     MVAlignedArray<u16> block_;      // a group of rows, turned, or a block of columns
     size_t blockStep_ = 0;           // from one row of a block of columns to the next
     MVAlignedArray<Real> lineWork_;  // what the kernels keep between the directions

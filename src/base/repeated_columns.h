@@ -5,17 +5,25 @@
 #include "runtime/array.h"
 
 #include <cstring>
+#include <utility>
 
 namespace zlv {
 
 class RepeatedColumns {
 public:
-    // Compares each column with the one `period` columns before it, over the rows 0 to rows - 1 that rowAt(y) gives.
-    // False when fewer than half of them repeat, or without memory: then it does not pay.
-    template <class RowAt>
-    [[nodiscard]] bool Find(size_t width, u32 rows, size_t period, RowAt rowAt)
+    // For planes of this width.
+    [[nodiscard]] bool Resize(u64 width)
     {
-        if (width < 2 * period || width >> 32 || !repeats_.Resize(width) || !places_.Resize(width)) return false;
+        return repeats_.Resize(width) && places_.Resize(width) && columns_.Resize(width);
+    }
+
+    // Compares each column with the one `period` columns before it, over the rows 0 to rows - 1 that rowAt(y) gives.
+    // False when fewer than half of them repeat: then it does not pay.
+    template <class RowAt>
+    [[nodiscard]] bool Find(u32 rows, size_t period, RowAt rowAt)
+    {
+        const size_t width = repeats_.GetCount();
+        if (width < 2 * period || width >> 32) return false;
         std::memset(repeats_.GetData(), 0, period);
         std::memset(repeats_.GetData() + period, 1, width - period);
         for (u32 y = 0; y < rows; ++y) {
@@ -23,13 +31,13 @@ public:
             // Pictures of real things are recognised by their first rows.
             if (y < kRowsOfFirstLook && !IsWorthwhile(width)) return false;
         }
-        if (!IsWorthwhile(width) || !columns_.Resize(CountDistinct(width))) return false;
+        if (!IsWorthwhile(width)) return false;
         Number(width, period);
         return true;
     }
 
-    // The columns that differ from their neighbours.
-    size_t Count() const { return columns_.GetCount(); }
+    // The columns that differ from their neighbours: at most half of all.
+    size_t Count() const { return count_; }
 
     // `count` of them, from the first on, out of a row.
     void Gather(const u16* row, size_t first, size_t count, u16* to) const
@@ -37,19 +45,22 @@ public:
         for (size_t i = 0; i < count; ++i) to[i] = row[columns_[first + i]];
     }
 
-    // Writes the image whose rows hold the distinct columns' samples, Count() of them in a row.
+    // Spreads the distinct columns, which stand at the beginning of each row of the image, over the rows. `rows` has room
+    // for two rows of them.
     template <class T>
-    void Spread(const T* made, const ImageView<T>& image) const
+    void Spread(const ImageView<T>& image, T* rows) const
     {
-        const size_t count = Count(), samples = image.SamplesPerRow();
-        for (u32 y = 0; y < image.height; ++y, made += count) {
+        const size_t samples = image.SamplesPerRow(), bytes = count_ * sizeof(T);
+        T *made = rows, *above = rows + count_;
+        for (u32 y = 0; y < image.height; ++y) {
             T* const row = image.Row(y);
-            const bool isAsAbove = y > 0 && std::memcmp(made, made - count, count * sizeof(T)) == 0;
-            if (isAsAbove) {
+            std::memcpy(made, row, bytes);
+            if (y > 0 && std::memcmp(made, above, bytes) == 0) {
                 std::memcpy(row, image.Row(y - 1), samples * sizeof(T));
             } else {
                 for (size_t x = 0; x < samples; ++x) row[x] = made[places_[x]];
             }
+            std::swap(made, above);
         }
     }
 
@@ -73,16 +84,17 @@ private:
 
     void Number(size_t width, size_t period)
     {
-        u32 count = 0;
+        count_ = 0;
         for (size_t x = 0; x < width; ++x) {
-            places_[x] = repeats_[x] ? places_[x - period] : count;
-            if (!repeats_[x]) columns_[count++] = u32(x);
+            places_[x] = repeats_[x] ? places_[x - period] : u32(count_);
+            if (!repeats_[x]) columns_[count_++] = u32(x);
         }
     }
 
     MVBuffer<u8> repeats_;   // 1 for a column that repeats
     MVBuffer<u32> places_;   // of each column: which of the distinct ones it is
     MVBuffer<u32> columns_;  // the distinct ones
+    size_t count_ = 0;
 };
 
 }  // namespace zlv

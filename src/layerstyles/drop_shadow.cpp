@@ -23,13 +23,14 @@ namespace {
 constexpr u32 kAllChannels = 15;
 constexpr u32 kAlphaChannels = 4;
 
-// Blurs with the client's callback behind the base layer. Whether it came to its end is not asked: the image is
-// finished with what there is.
-void BlurReporting(CallFrame& frame, const ImageView<const u8>& from, u8* to, f64 sigma, u32 channelMask)
+// Blurs with the client's callback behind the base layer. False without memory; otherwise it is not asked how the blur
+// ended: the image is finished with what there is.
+[[nodiscard]] bool BlurReporting(CallFrame& frame, const ImageView<const u8>& from, u8* to, f64 sigma, u32 channelMask)
 {
     const ForwardingSpan span(frame);
-    (void)MV40_GaussianBlurImage(from.data, from.width, from.height, from.channels, from.stride, to, from.stride, sigma,
-                                 channelMask);
+    return MV40_GaussianBlurImage(from.data, from.width, from.height, from.channels, from.stride, to, from.stride,
+                                  sigma, channelMask) != 0 ||
+           Error(MV40_GetLastError()) != Error::OutOfMemory;
 }
 
 struct Shadow {
@@ -51,8 +52,8 @@ struct Shadow {
     fill({0, 0, result.width - 1, result.height}, shadow.backgroundColor);
     const u32 left = u32(shadow.layout.shadow.x), top = u32(shadow.layout.shadow.y);
     fill({left, top, left + src.width - 1, top + src.height}, shadow.shadowColor);
-    BlurReporting(frame, {sharp.GetData(), result.width, result.height, result.channels, result.stride}, result.data,
-                  shadow.layout.sigma, kAllChannels);
+    const ImageView<const u8> ground = {sharp.GetData(), result.width, result.height, result.channels, result.stride};
+    if (!BlurReporting(frame, ground, result.data, shadow.layout.sigma, kAllChannels)) return false;
     (void)MV40_OverlayImage(result.data, result.width, result.height, result.channels, result.stride, src.data,
                             src.width, src.height, u32(src.SamplesPerRow()), shadow.layout.image.x,
                             shadow.layout.image.y, 1.0, 0.0, u32(OverlayMode::Replace), 0);
@@ -74,8 +75,8 @@ struct Shadow {
                             u32(OverlayMode::Replace), 0);
     alpha.Clear();
     std::memset(blurred.GetData(), 0, pixels);
-    BlurReporting(frame, {outline.GetData(), result.width, result.height, 1, result.width}, blurred.GetData(),
-                  shadow.layout.sigma, 1);
+    const ImageView<const u8> shape = {outline.GetData(), result.width, result.height, 1, result.width};
+    if (!BlurReporting(frame, shape, blurred.GetData(), shadow.layout.sigma, 1)) return false;
     outline.Clear();
     if (shadow.isTinted) {
         (void)MV40_AlphaBlendColor(result.data, result.width, result.height, result.channels, result.stride,

@@ -53,13 +53,15 @@ void ReadAlpha(const ImageView<u8>& image, u8* alpha)
                                    0);
 }
 
-// Progress is the client's. Whether the blur came to its end is not asked: what it has not written is 0.
-void Blur(CallFrame& frame, const Glow& glow, const u8* from, u8* to)
+// Progress is the client's. False without memory; a cancel is not asked for: what the blur has not written is 0.
+[[nodiscard]] bool Blur(CallFrame& frame, const Glow& glow, const u8* from, u8* to)
 {
     const u32 width = glow.image.width, height = glow.image.height;
     std::memset(to, 0, size_t(width) * height);
     const ForwardingSpan span(frame);
-    (void)MV40_GaussianBlurImage(from, width, height, 1, width, to, width, glow.sigma, kFirstChannel | kBlurTruncates);
+    return MV40_GaussianBlurImage(from, width, height, 1, width, to, width, glow.sigma,
+                                  kFirstChannel | kBlurTruncates) != 0 ||
+           Error(MV40_GetLastError()) != Error::OutOfMemory;
 }
 
 void ApplyTable(const Glow& glow, u8* plane, const u8* table)
@@ -95,7 +97,7 @@ u32 GlowOutside(CallFrame& frame, const Glow& glow)
         return frame.Fail(Error::OutOfMemory);
     }
     ReadAlpha(image, alpha.GetData());
-    Blur(frame, glow, alpha.GetData(), coverage.GetData());
+    if (!Blur(frame, glow, alpha.GetData(), coverage.GetData())) return frame.Fail(Error::OutOfMemory);
 
     u8 table[256];
     for (u32 i = 0; i < 256; ++i) table[i] = u8((glow.curve ? glow.curve[i] : DefaultCurve(i)) * glow.opacity);
@@ -141,7 +143,7 @@ u32 GlowInside(CallFrame& frame, const Glow& glow)
     if (!Allocate(outside, image, 1) || !Allocate(tint, image, 1)) return frame.Fail(Error::OutOfMemory);
     ReadAlpha(image, outside.GetData());
     Invert(outside.GetData(), outside.GetCount());
-    Blur(frame, glow, outside.GetData(), tint.GetData());
+    if (!Blur(frame, glow, outside.GetData(), tint.GetData())) return frame.Fail(Error::OutOfMemory);
 
     u8 defaultCurve[256], byOpacity[256];
     for (u32 i = 0; i < 256; ++i) defaultCurve[i] = u8(DefaultCurve(i));

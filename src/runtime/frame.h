@@ -63,6 +63,7 @@ public:
         return 0;
     }
     void SetLastError(Error code) { context_->lastError = code; }
+    Error LastError() const { return context_->lastError; }
 
     // Tells the client. False means cancelled: the code is set, the effect leaves its loop and returns 0.
     [[nodiscard]] bool Report(u32 current, u32 total);

@@ -377,5 +377,42 @@ TEST(Convolution, WithoutMemoryItIsCodeOne)
     }
 }
 
+// Kernels of one entry but for the middle have windows that slide, from 289 entries on: on either side of that, with
+// weights beyond 16 bits, in fractions, and with windows larger than the image.
+TEST(Convolution, KernelsOfOneEntryButForTheMiddleEqualPlain)
+{
+    const struct {
+        const char* shows;
+        size_t width, height;
+        f64 around, middle, scale;
+    } kBoxes[] = {
+        {"the largest that does not slide", 15, 19, -1, 284, 1},
+        {"the smallest that slides", 17, 17, -1, 288, 1},
+        {"a row", 301, 1, -1, 300, 1},
+        {"a column", 1, 301, -1, 300, 1},
+        {"a mean", 19, 17, 1, 1, 1 / 323.0},
+        {"fractions", 17, 19, -0.25, 80.75, 0.5},
+        {"a middle above 16 bits", 183, 183, -1, 183 * 183 - 1, 1},
+        {"fractions that are not exact", 17, 17, -0.1, 29, 1},
+        {"all 0", 17, 17, 0, 0, 1},
+        {"a scale that is no number", 17, 17, -1, 288, kNaN},
+        {"an infinite scale", 17, 17, -1, 288, kInfinity},
+    };
+    ForBothWidths([&]<class T>() {
+        for (const auto& row : kBoxes) {
+            PlainKernel kernel = {row.width, row.height, std::vector<f64>(row.width * row.height, row.around),
+                                  row.scale};
+            kernel.entries[kernel.entries.size() / 2] = row.middle;
+            const bool isLarge = row.width > 100;
+            for (const Image& image : {Image{1, 1, 1, 0}, Image{2, 5, 3, 1}, Image{23, isLarge ? 2u : 14u, 2, 3}}) {
+                for (const u32 flags : {1u, 3u, 2 | kPlainSum, 7 | kPlainSum}) {
+                    SCOPE(row.shows, image.width, flags);
+                    ExpectPlain<T>(image, kernel, flags, image.width);
+                }
+            }
+        }
+    });
+}
+
 }  // namespace
 }  // namespace zlv

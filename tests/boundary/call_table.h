@@ -49,11 +49,12 @@ struct DescribedImage {
     bool isWritten = false;
     bool hasWholeRows = false;  // rows are read or written whole, padding included, the last one too
     bool isPerChannel = false;  // one sample a channel, whatever the picture's size
+    bool isText = false;        // each row ends with a line feed, and a zero follows the last one
     int wider = -1;             // the number by which it is wider than `width` says
 
     std::uint64_t RowBytes(std::uint64_t pixels, std::uint64_t channelCount) const
     {
-        return (pixels * channelCount * sampleBits + 7) / 8;
+        return (pixels * channelCount * sampleBits + 7) / 8 + isText;
     }
 };
 
@@ -82,6 +83,7 @@ struct DescribedEffect {
     bool canCancel;
     bool repeats = true;        // a call on a fresh thread gives the same bytes again
     std::uint32_t cancelError;  // 0: a cancel leaves no code
+    bool isCancelQuiet;         // some cancels leave none, whatever cancelError is
     std::vector<DescribedArgument> arguments;
     std::uint32_t (*call)(const Value* values);
 };

@@ -117,7 +117,8 @@ private:
         const std::size_t padding = kPadding * ((image.sampleBits + 7) / 8);  // keeps rows aligned to their samples
         const Layout layout = {row, image.stride >= 0 ? row + padding : row, image.isWritten, image.hasWholeRows};
         if (image.stride >= 0) values[std::size_t(image.stride)].integer = layout.stride / image.strideBytes;
-        const std::size_t size = (height - 1) * layout.stride + (image.hasWholeRows ? layout.stride : row);
+        const std::size_t size =
+            (height - 1) * layout.stride + (image.hasWholeRows ? layout.stride : row) + image.isText;
         images_.push_back(std::make_unique<GuardedBuffer>(size, flush, kFill));
         layouts_.push_back(layout);
         std::uint8_t* const data = images_.back()->Data();

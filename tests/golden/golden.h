@@ -62,6 +62,7 @@ struct GoldenRow {
 
 // The exports, a file a family; they are also tried on the library that is shipped.
 std::vector<GoldenRow> AdaptiveGolden();
+std::vector<GoldenRow> ArtisticGolden();
 std::vector<GoldenRow> DisplacementGolden();
 std::vector<GoldenRow> EdgesGolden();
 std::vector<GoldenRow> FrequencyGolden();

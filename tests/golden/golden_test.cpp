@@ -16,6 +16,7 @@ std::vector<GoldenRow> AllRows()
     std::vector<GoldenRow> rows;
     const auto add = [&](std::vector<GoldenRow> more) { rows.insert(rows.end(), more.begin(), more.end()); };
     add(AdaptiveGolden());
+    add(ArtisticGolden());
     add(DisplacementGolden());
     add(EdgesGolden());
     add(FrequencyGolden());

@@ -80,12 +80,12 @@ GoldenRow GlowRow(const char* name, decltype(&ZLV40_OuterGlowRGBA) apply, declty
 std::vector<GoldenRow> LayerStylesGolden()
 {
     return {
-        ShadowRow("DropShadowEx, opaque", 3, 0, 0),
-        ShadowRow("DropShadowEx, alpha", 4, 3, 0),
-        BevelRow("ShadeBevelEdge", 4, 0, 0),
-        BevelRow("ShadeBevelEdge, blurred", 3, 150, 0),
-        GlowRow("OuterGlowRGBA", ZLV40_OuterGlowRGBA, PlainOuterGlow, 0),
-        GlowRow("InnerGlowRGBA", ZLV40_InnerGlowRGBA, PlainInnerGlow, 0),
+        ShadowRow("DropShadowEx, opaque", 3, 0, 0x5E36D4EB38A41C1C),
+        ShadowRow("DropShadowEx, alpha", 4, 3, 0x2A3AC74D52C9A729),
+        BevelRow("ShadeBevelEdge", 4, 0, 0x7EF5C20E6314052D),
+        BevelRow("ShadeBevelEdge, blurred", 3, 150, 0xDB24B315E21FAB90),
+        GlowRow("OuterGlowRGBA", ZLV40_OuterGlowRGBA, PlainOuterGlow, 0x00F7E413B4310761),
+        GlowRow("InnerGlowRGBA", ZLV40_InnerGlowRGBA, PlainInnerGlow, 0xA94DC2BCB87B769A),
     };
 }
 

@@ -14,12 +14,16 @@ struct Made {
     ~Made() { ZLV40_FreeBlock(pixels); }
 };
 
+void Call(Made& made, const StyleImage& image, const std::uint8_t* src, const PlainShadow& s)
+{
+    made.result = ZLV40_DropShadowEx(src, image.width, image.height, image.channels, image.Stride(), &made.pixels,
+                                     &made.width, &made.height, std::int32_t(s.distance), std::int32_t(s.blurPercent),
+                                     s.background, s.color, std::int32_t(s.angle), &made.image, &made.shadow, s.flags);
+}
+
 void Call(Made& made, const StyleImage& image, const Bytes& src, const PlainShadow& s)
 {
-    made.result =
-        ZLV40_DropShadowEx(src.data(), image.width, image.height, image.channels, image.Stride(), &made.pixels,
-                           &made.width, &made.height, std::int32_t(s.distance), std::int32_t(s.blurPercent),
-                           s.background, s.color, std::int32_t(s.angle), &made.image, &made.shadow, s.flags);
+    Call(made, image, src.data(), s);
 }
 
 PlainShadow Shadow(std::int64_t distance, std::int64_t blurPercent, std::int64_t angle, std::uint32_t flags = 0)
@@ -36,7 +40,7 @@ void ExpectPlain(const StyleImage& image, const PlainShadow& s)
     GuardedBuffer src(pixels.size(), Flush::ToEnd);
     std::copy(pixels.begin(), pixels.end(), src.Data());
     Made made;
-    Call(made, image, Bytes(src.Data(), src.Data() + src.Size()), s);
+    Call(made, image, src.Data(), s);
     ASSERT_EQ(made.result, 1u);
     EXPECT_EQ(ZLV40_GetLastError(), 0u);
     const PlainShadowResult wanted =
@@ -65,7 +69,7 @@ TEST(DropShadow, EveryTargetEqualsPlain)
 
 TEST(DropShadow, EveryBlurEqualsPlain)
 {
-    for (const std::int64_t blur : {-200, -25, -10, 0, 1, 50, 87, 88, 100, 400}) {
+    for (const std::int64_t blur : {-100, -25, -10, 0, 1, 50, 87, 88, 100, 400}) {
         for (const std::uint32_t flags : {0u, 3u}) {
             ExpectPlain({23, 17, 4}, Shadow(4, blur, 120, flags));
             ExpectPlain({23, 17, 3}, Shadow(-9, blur, 300));
@@ -245,7 +249,7 @@ TEST(DropShadow, ACancelledBlurIsNotAskedFor)
     }
 }
 
-TEST(DropShadow, EveryAllocationThatFailsIsToldOrNotAskedFor)
+TEST(DropShadow, EveryAllocationThatFailsIsCodeOne)
 {
     const Bytes src = StylePixels({20, 10, 4}, 1);
     for (const std::uint32_t flags : {0u, 1u, 3u}) {

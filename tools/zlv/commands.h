@@ -10,6 +10,7 @@ namespace zlv {
 int RunList(const std::vector<std::string>& arguments);
 int RunInfo(const std::vector<std::string>& arguments);
 int RunApply(const std::vector<std::string>& arguments);
+int RunAscii(const std::vector<std::string>& arguments);
 int RunWarp(const std::vector<std::string>& arguments);
 int RunGallery(const std::vector<std::string>& arguments);
 int RunSeamCarve(const std::vector<std::string>& arguments);

@@ -22,6 +22,7 @@ const struct {
     {"list", "Lists all effects (--json for programs)", RunList},
     {"info", "Tells what an effect does and takes", RunInfo},
     {"apply", "Applies one effect, or several in a row, to pictures", RunApply},
+    {"ascii", "Prints a picture as text", RunAscii},
     {"seam-carve", "Makes a picture narrower or wider and keeps what stands out", RunSeamCarve},
     {"warp", "Sends pictures through a list of warps", RunWarp},
     {"gallery", "Shows every effect on a picture, as one page", RunGallery},

@@ -2,7 +2,9 @@
 #ifndef ZLV_TOOLS_SYSTEM_H
 #define ZLV_TOOLS_SYSTEM_H
 
+#include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,6 +17,9 @@ int RunCommand(const std::vector<std::string>& arguments);
 void WatchInterrupts(void (*onInterrupt)());
 
 bool IsErrorOutputTerminal();
+
+// How many characters a line of the terminal holds that standard output goes to; nothing when it goes elsewhere.
+std::optional<uint32_t> TerminalColumns();
 
 // Standard input and output carry pictures: no translation of line ends.
 void MakeStandardStreamsBinary();

@@ -3,6 +3,7 @@
 
 #include <csignal>
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace zlv {
@@ -25,6 +26,13 @@ void WatchInterrupts(void (*onInterrupt)())
 }
 
 bool IsErrorOutputTerminal() { return isatty(STDERR_FILENO) != 0; }
+
+std::optional<uint32_t> TerminalColumns()
+{
+    winsize size = {};
+    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return std::nullopt;
+    return size.ws_col;
+}
 
 void MakeStandardStreamsBinary() {}
 

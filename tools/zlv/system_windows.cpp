@@ -62,6 +62,15 @@ void WatchInterrupts(void (*onInterrupt)())
 
 bool IsErrorOutputTerminal() { return _isatty(_fileno(stderr)) != 0; }
 
+// One less than there are: some consoles begin a new line after the last character, before the line feed does.
+std::optional<uint32_t> TerminalColumns()
+{
+    CONSOLE_SCREEN_BUFFER_INFO info;
+    if (!GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info)) return std::nullopt;
+    const int columns = info.srWindow.Right - info.srWindow.Left;
+    return columns > 0 ? std::optional(static_cast<uint32_t>(columns)) : std::nullopt;
+}
+
 void MakeStandardStreamsBinary()
 {
     _setmode(_fileno(stdin), _O_BINARY);
