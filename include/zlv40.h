@@ -1644,15 +1644,16 @@ ZLV40_API uint32_t ZLV40_SeamCarve(const uint8_t* src, uint32_t width, uint32_t 
  *   blurPercent      0 to 100 for a blur of sigma 1 to 5; other values go on, down to none
  *   backgroundColor  of the rectangle's ground: its lowest byte is channel 0, the highest channel 3
  *   shadowColor      of the shadow, likewise
- *   angle            in degrees, clockwise: 0 throws the shadow up, 90 to the right. Below 0 and above 360 the image and
- *                    the shadow may come to lie outside, where nothing is drawn
+ *   angle            in degrees, clockwise: 0 throws the shadow up, 90 to the right. Below 0 and above 360 the image
+ *                    and the shadow may come to lie outside, where nothing is drawn
  *   imagePos, shadowPos  receive the upper left corners of the source and of the shadow in the new image, also when
  *                    memory is out later; may be NULL
  *   flags            ZLV40_SHADOW_OF_ALPHA follows the alpha channel, which four channels have; and
  *                    ZLV40_SHADOW_TINTED gives that shadow its colour, and by itself means both
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY (also when the new image would be too large
- * or less than a pixel wide or high, or an empty source has no alpha to follow); outImage, outWidth and outHeight are not
- * written then. A cancel leaves a shadow that is not finished, and the result is 1. Works on the calling thread. */
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY (also when the new image would be too
+ * large or less than a pixel wide or high, or an empty source has no alpha to follow); outImage, outWidth and outHeight
+ * are not written then. A cancel leaves a shadow that is not finished, and the result is 1. Works on the calling
+ * thread. */
 #define ZLV40_DropShadowEx _ZLV40_DropShadowEx
 ZLV40_API uint32_t ZLV40_DropShadowEx(const uint8_t* src, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
                                       uint32_t srcRowStride, uint8_t** outImage, uint32_t* outWidth,
@@ -1678,8 +1679,8 @@ ZLV40_API uint32_t ZLV40_DropShadow(const uint8_t* src, uint32_t width, uint32_t
  *   leftShade, topShade, rightShade, bottomShade  in percent, limited to 0 to 255 and truncated; not NaN. The corners
  *                  are the top's and the bottom's
  *   blur           blurs the frame by a Gaussian of sigma blur / 100; 0 leaves it sharp
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT, ZLV40_ERROR_OUT_OF_MEMORY (also for an empty image) (nothing is written)
- * or ZLV40_ERROR_CANCELLED (rows done so far stay). Progress once a row. Works on the calling thread. */
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY, also for an empty image (nothing is
+ * written), or ZLV40_ERROR_CANCELLED (rows done so far stay). Progress once a row. Works on the calling thread. */
 #define ZLV40_ShadeBevelEdge _ZLV40_ShadeBevelEdge
 ZLV40_API uint32_t ZLV40_ShadeBevelEdge(uint8_t* image, uint32_t width, uint32_t height, uint32_t rowStride,
                                         uint32_t bevelWidth, uint32_t bytesPerPixel, uint32_t flags, double leftShade,
@@ -1694,14 +1695,14 @@ ZLV40_API uint32_t ZLV40_ShadeBevelEdge(uint8_t* image, uint32_t width, uint32_t
  *   opacity        of the glow, limited to 0 to 1; not NaN
  *   color          of the glow: its lowest byte is channel 0; the highest one is not used
  *   curve          256 bytes, the coverage for each blurred alpha; NULL for (i / 256) to the power 5 / 9, times 256
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY (also for an empty image); nothing is written
- * then. The blur's progress; a cancel ends the blur, and the result is 1. Works on the calling thread. */
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY, also for an empty image; nothing is
+ * written then. The blur's progress; a cancel ends the blur, and the result is 1. Works on the calling thread. */
 #define ZLV40_OuterGlowRGBA _ZLV40_OuterGlowRGBA
 ZLV40_API uint32_t ZLV40_OuterGlowRGBA(uint8_t* image, uint32_t width, uint32_t height, uint32_t rowStride,
                                        uint32_t size, double opacity, uint32_t color, const uint8_t* curve);
 
-/* Tints a shape from its edges inwards, in place: what is transparent is blurred into the shape, reshaped by a curve, and
- * gives the colour's share. Alpha stays, and so do pixels whose alpha is 0. Arguments and results as with
+/* Tints a shape from its edges inwards, in place: what is transparent is blurred into the shape, reshaped by a curve,
+ * and gives the colour's share. Alpha stays, and so do pixels whose alpha is 0. Arguments and results as with
  * ZLV40_OuterGlowRGBA, but that the default curve does not know the opacity, which limits the share. */
 #define ZLV40_InnerGlowRGBA _ZLV40_InnerGlowRGBA
 ZLV40_API uint32_t ZLV40_InnerGlowRGBA(uint8_t* image, uint32_t width, uint32_t height, uint32_t rowStride,

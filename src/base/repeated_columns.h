@@ -45,8 +45,8 @@ public:
         for (size_t i = 0; i < count; ++i) to[i] = row[columns_[first + i]];
     }
 
-    // Spreads the distinct columns, which stand at the beginning of each row of the image, over the rows. `rows` has room
-    // for two rows of them.
+    // Spreads the distinct columns, which stand at the beginning of each row of the image, over the rows. `rows` has
+    // room for two rows of them.
     template <class T>
     void Spread(const ImageView<T>& image, T* rows) const
     {

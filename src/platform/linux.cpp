@@ -301,7 +301,7 @@ void CloseThread(Thread* thread)
 namespace {
 
 #if defined(__x86_64__) && !defined(ZLV_PORTABLE)
-void PauseProcessor() { __builtin_ia32_pause(); }
+void PauseProcessor() { asm volatile("pause"); }
 #else
 void PauseProcessor() {}
 #endif
