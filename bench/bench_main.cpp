@@ -156,10 +156,9 @@ int Main(int argc, char** argv)
     u32 count = 0;
     std::set<size_t> copies;
     const auto families = {
-        AdaptiveRows, ArtisticRows, BaseRows,        EdgesRows,  FilterRows,     FrequencyRows,
-        GaussianRows, GenerateRows, LayerStylesRows, MedianRows, MorphologyRows, NoiseRows,
-        OverlayRows,  PaletteRows,  PolygonRows,     PushRows,   ResizeRows,     SeamRows,
-        SplineRows,   ToneRows,     WarpRows,        WindowRows,
+        AdaptiveRows, ArtisticRows,    BaseRows,   CrackleRows,    EdgesRows,  FilterRows,  FrequencyRows, GaussianRows,
+        GenerateRows, LayerStylesRows, MedianRows, MorphologyRows, NoiseRows,  OverlayRows, PaletteRows,   PolygonRows,
+        PushRows,     ResizeRows,      SeamRows,   SegmentedRows,  SplineRows, ToneRows,    WarpRows,      WindowRows,
     };
     for (const auto rowsOfFamily : families) {
         for (const BenchRow& row : rowsOfFamily()) {

@@ -54,6 +54,7 @@ struct BenchRow {
 std::vector<BenchRow> AdaptiveRows();
 std::vector<BenchRow> ArtisticRows();
 std::vector<BenchRow> BaseRows();
+std::vector<BenchRow> CrackleRows();
 std::vector<BenchRow> EdgesRows();
 std::vector<BenchRow> FilterRows();
 std::vector<BenchRow> FrequencyRows();
@@ -68,6 +69,7 @@ std::vector<BenchRow> PaletteRows();
 std::vector<BenchRow> PolygonRows();
 std::vector<BenchRow> PushRows();
 std::vector<BenchRow> ResizeRows();
+std::vector<BenchRow> SegmentedRows();
 std::vector<BenchRow> SplineRows();
 std::vector<BenchRow> SeamRows();
 std::vector<BenchRow> ToneRows();

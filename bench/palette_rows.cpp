@@ -1,12 +1,9 @@
 // Palettes: the searches for one, the mappings onto it, and back.
 #include "base/palette.h"
 #include "bench_row.h"
+#include "imagequant_peer.h"
 
 #include <memory>
-
-#ifdef ZLV_BENCH_IMAGEQUANT
-#include <libimagequant.h>
-#endif
 
 namespace zlvbench {
 
@@ -80,33 +77,9 @@ Peer PlainLoop(const Shape& shape, u32 colors)
     return {"plain C++ loop", work, true};
 }
 
-// Its own way to a palette and its own diffusion: comparable work, other bytes. It takes four bytes a pixel.
-Peer ImageQuant([[maybe_unused]] const Shape& shape, [[maybe_unused]] u32 colors)
+Peer ImageQuant(const Shape& shape, u32 colors)
 {
-#ifdef ZLV_BENCH_IMAGEQUANT
-    const auto rgba = std::make_shared<std::vector<u8>>(shape.Pixels() * 4, u8(255));
-    const auto work = [=](const Buffers& buffers) {
-        for (size_t i = 0; i < shape.Pixels(); ++i) {
-            for (size_t c = 0; c < 3; ++c) (*rgba)[4 * i + c] = buffers.image[3 * i + c];
-        }
-        liq_attr* const attributes = liq_attr_create();
-        liq_set_speed(attributes, 10);
-        liq_set_max_colors(attributes, int(colors));
-        liq_image* const image =
-            liq_image_create_rgba(attributes, rgba->data(), int(shape.width), int(shape.height), 0);
-        liq_result* result = nullptr;
-        if (liq_image_quantize(image, attributes, &result) == LIQ_OK) {
-            liq_set_dithering_level(result, 1.0f);
-            liq_write_remapped_image(result, image, buffers.output, shape.Pixels());
-            liq_result_destroy(result);
-        }
-        liq_image_destroy(image);
-        liq_attr_destroy(attributes);
-    };
-    return {"libimagequant speed 10, dithered", work, false};
-#else
-    return {};
-#endif
+    return {"libimagequant speed 10, dithered", ImageQuantWork(shape, colors, true), false};
 }
 
 }  // namespace

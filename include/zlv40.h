@@ -68,6 +68,7 @@ enum ZLV40_Flag {
     ZLV40_ONE_THREAD = 1,      /* works on the calling thread alone */
     ZLV40_SHADOW_OF_ALPHA = 1, /* the shadow follows the alpha channel */
     ZLV40_SHADOW_TINTED = 2,   /* a shadow of the alpha channel has a colour of its own; else it is black */
+    ZLV40_WIDE_RANGE = 1,      /* spreads brightness from 20 to 230 instead of 50 to 200 */
     ZLV40_WORKER_THREADS = 524288,
     ZLV40_KEEP_DESTINATION = 4,   /* the fill is what the destination holds */
     ZLV40_CLAMP_POINTS = 8,       /* points outside the image come back to its edge */
@@ -170,6 +171,23 @@ enum ZLV40_Shift { ZLV40_SHIFT_Y = 0, ZLV40_SHIFT_X = 1 };
 
 /* The waves of ZLV40_AddWaveTransform, and which way they shift pixels; any other value does nothing. */
 enum ZLV40_Wave { ZLV40_WAVE_SINE_Y = 0, ZLV40_WAVE_SINE_X = 1, ZLV40_WAVE_COSINE_Y = 2, ZLV40_WAVE_COSINE_X = 3 };
+
+/* What ZLV40_CrackleRGB makes its relief of. */
+enum ZLV40_CrackleKind {
+    ZLV40_CRACKLE_OPEN = 0,
+    ZLV40_CRACKLE_TOPHAT = 1,
+    ZLV40_CRACKLE_CLOSE = 2,
+    ZLV40_CRACKLE_DILATE = 3,
+    ZLV40_CRACKLE_ERODE = 4
+};
+
+/* How ZLV40_SegmentedColorizeRGBImage cleans the mask of a colour. */
+enum ZLV40_SegmentMode {
+    ZLV40_SEGMENT_MEDIAN = 0,
+    ZLV40_SEGMENT_CLOSE = 1,
+    ZLV40_SEGMENT_HIT_OR_MISS = 2,
+    ZLV40_SEGMENT_BOUNDARY = 3
+};
 
 enum { ZLV40_VERSION_BYTES = 20 /* what ZLV40_GetLibVersion writes */ };
 
@@ -1878,6 +1896,64 @@ enum ZLV40_WatercolorFlag {
 ZLV40_API uint32_t ZLV40_WatercolorTintRGB(const uint8_t* source, uint32_t width, uint32_t height,
                                            uint32_t sourceStride, uint8_t* destination, uint32_t destinationStride,
                                            double amount, uint8_t flags);
+
+/* Makes a picture look like cracked paint: reduces it to spots of light or dark by gray morphology (7 x 7), sharpens
+ * them, lights them as a relief from one side with the picture upon it, and spreads the brightness.
+ *   source             height rows of width pixels, 3 bytes each (red, green, blue); not NULL
+ *   width, height      in pixels, 4 or more each
+ *   sourceStride       in bytes, >= 3 * width
+ *   destination        the same size; not NULL; may be source, with the same stride. Padding is not touched. The
+ *                      outermost pixels have no relief: they stay as they are, but for their brightness
+ *   destinationStride  in bytes, >= 3 * width
+ *   morphKind          a ZLV40_CRACKLE_ value
+ *   strength           of the sharpening, in percent; limited to 0 to 100
+ *   flags              ZLV40_WIDE_RANGE: brightness from 20 to 230 is counted and spread, instead of 50 to 200
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (also for a side below 4) or ZLV40_ERROR_OUT_OF_MEMORY (also when there
+ * are no pixels), and without a code for any other morphKind; nothing is written. Reports the rows of the morphology.
+ * A cancel of ZLV40_CRACKLE_DILATE and ZLV40_CRACKLE_ERODE gives 0 with ZLV40_ERROR_CANCELLED, and nothing is written.
+ * The other kinds go on with the rows done so far, and 0 for the rest but in a top-hat, where those are not reduced.
+ * Without memory for a later step the result is 1, and the last error tells. Works on the calling thread. */
+#define ZLV40_CrackleRGB _ZLV40_CrackleRGB
+ZLV40_API uint32_t ZLV40_CrackleRGB(const uint8_t* source, uint32_t width, uint32_t height, uint32_t sourceStride,
+                                    uint8_t* destination, uint32_t destinationStride, uint32_t morphKind,
+                                    int32_t strength, uint32_t flags);
+
+/* Turns a picture into few colours in smooth flat regions, as a stencil or a poster has them. A palette is made for the
+ * picture; then colour after colour, the rarest first, the pixels of one are cut out as a mask, the mask is cleaned,
+ * and the colour painted through it. What no mask covers keeps the rarest colour.
+ *   source             height rows of width pixels, 3 bytes each, without padding; not NULL
+ *   width, height      in pixels, at most 2^31 - 1 of them together
+ *   sourceStride       ignored: rows of 3 * width bytes follow each other
+ *   destination        receives height rows of width palette indices, one byte each; not NULL
+ *   destinationStride  in bytes, >= width unless there is just one row; padding is not touched
+ *   palette            receives 256 entries of 4 bytes, of which the last one is not written: byte 2 is the first
+ *                      component of a pixel, byte 0 the third. Entries without a colour are 0. NULL makes no palette,
+ *                      and every pixel counts as index 0
+ *   colors             1 or more; above 256 it acts as 256. The time of a call grows with it
+ *   mode               a ZLV40_SEGMENT_ value: the median of 1-bit images, or a closing, hit-or-miss (the element's
+ *                      ones hit, its zeros miss) or boundary extraction with a drawn element
+ *   filterSize         of the median: the side of its window, up to 46339; an even one goes up by 1. Else the element:
+ *                      1 a cross, 2 a block, 3 a diamond of side 5, 4 a block, 5 a rounded block of side 7, 6 a rounded
+ *                      block, 7 a diamond, 8 an irregular shape of side 9, 9 a diamond, 10 an irregular shape, 11 a
+ *                      ring of side 15; any other value a 3 x 3 block
+ *   reserved           ignored
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written), ZLV40_ERROR_OUT_OF_MEMORY (nothing is written;
+ * also when the picture has no pixels) or ZLV40_ERROR_CANCELLED (the colours painted so far stay). A step that fails,
+ * without memory or for a median that is too large, leaves its colour out: the result is still 1, and the last error
+ * that of the last colour's step. Reports the colours: (colour, colours). Works on the calling thread. */
+#define ZLV40_SegmentedColorizeRGBImage _ZLV40_SegmentedColorizeRGBImage
+ZLV40_API uint32_t ZLV40_SegmentedColorizeRGBImage(const uint8_t* source, uint32_t width, uint32_t height,
+                                                   uint64_t sourceStride, uint8_t* destination,
+                                                   int32_t destinationStride, uint8_t* palette, uint32_t colors,
+                                                   uint32_t mode, uint32_t filterSize, uint64_t reserved);
+
+/* ZLV40_SegmentedColorizeRGBImage with one of two modes.
+ *   useMedian  0 for ZLV40_SEGMENT_CLOSE, anything else for ZLV40_SEGMENT_MEDIAN */
+#define ZLV40_SegmentedColorizeRGB _ZLV40_SegmentedColorizeRGB
+ZLV40_API uint32_t ZLV40_SegmentedColorizeRGB(const uint8_t* source, uint32_t width, uint32_t height,
+                                              uint64_t sourceStride, uint8_t* destination, int32_t destinationStride,
+                                              uint8_t* palette, uint32_t colors, uint32_t filterSize,
+                                              int32_t useMedian);
 
 #ifdef __cplusplus
 }

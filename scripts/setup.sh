@@ -8,7 +8,7 @@ tools="cmake ninja-build g++ python3 pkg-config libstb-dev libcli11-dev"
 tests="googletest libmpfr-dev clang"
 windows="g++-mingw-w64-x86-64-posix wine64 llvm lld"
 sanitizers="libclang-rt-14-dev"
-bench="libbenchmark-dev libopencv-dev libleptonica-dev libfftw3-dev libcairo2-dev liblqr-1-0-dev"
+bench="libbenchmark-dev libopencv-dev libleptonica-dev libfftw3-dev libcairo2-dev liblqr-1-0-dev libimagequant-dev"
 
 case "${1:-}" in
 library | demo) wanted="$tools $tests" ;;

@@ -1,7 +1,7 @@
 #include "base/bit_masks.h"
 
+#include "base/bit_masks.kernels.h"
 #include "base/image_view.h"
-#include "runtime/array.h"
 #include "runtime/base_tables.h"
 
 #include <cstring>
@@ -10,17 +10,22 @@ namespace zlv {
 
 namespace {
 
+constexpr size_t kPixelsPerByte = 8;
+
 u32 MakeMask(MVThreadContext& context, Error& error, const ImageView<const u8>& plane, const ImageView<u8>& mask,
              u8 value)
 {
     BaseWork work(context, error);
     if (!plane.data || !mask.data) return work.Fail(Error::BadArgument);
-    MVBuffer<u8> row;
-    if (plane.height == 0 || !row.Resize(plane.width)) return work.Fail(Error::OutOfMemory);
+    if (plane.width == 0 || plane.height == 0) return work.Fail(Error::OutOfMemory);
+    const BitMaskKernels& kernels = Kernels<BitMaskKernels>();
+    const size_t whole = plane.width / kPixelsPerByte, rest = plane.width % kPixelsPerByte;
     for (u32 y = 0; y < plane.height; ++y) {
         const u8* const samples = plane.Row(y);
-        for (u32 x = 0; x < plane.width; ++x) row[x] = samples[x] == value;
-        const Error packing = PackRow(row.GetData(), plane.width, 1, mask.Row(y));
+        kernels.findValue(samples, whole, value, mask.Row(y));
+        u8 last[kPixelsPerByte];
+        for (size_t x = 0; x < rest; ++x) last[x] = samples[whole * kPixelsPerByte + x] == value;
+        const Error packing = PackRow(last, rest, 1, mask.Row(y) + whole);
         if (packing != Error::None) return work.Fail(packing);
         if (!work.Report(y, plane.height)) return 0;
     }
@@ -32,13 +37,18 @@ u32 SetWhereMasked(MVThreadContext& context, Error& error, const ImageView<const
 {
     BaseWork work(context, error);
     if (!mask.data || !plane.data) return work.Fail(Error::BadArgument);
-    // Unpacked row by row: the plane and the mask are different memory, so no row sees what another one has written.
-    MVBuffer<u8> row;
-    if (plane.height == 0 || !row.Resize(plane.width)) return work.Fail(Error::OutOfMemory);
+    if (plane.width == 0 || plane.height == 0) return work.Fail(Error::OutOfMemory);
+    const BitMaskKernels& kernels = Kernels<BitMaskKernels>();
+    const size_t whole = plane.width / kPixelsPerByte, rest = plane.width % kPixelsPerByte;
+    // Unpacked as it goes: the plane and the mask are different memory, so no row sees what another one has written.
     for (u32 y = 0; y < plane.height; ++y) {
-        UnpackBits(mask.Row(y), plane.width, row.GetData());
         u8* const samples = plane.Row(y);
-        for (u32 x = 0; x < plane.width; ++x) samples[x] = row[x] ? value : samples[x];
+        kernels.setValue(mask.Row(y), whole, value, samples);
+        u8 last[kPixelsPerByte];
+        UnpackBits(mask.Row(y) + whole, rest, last);
+        for (size_t x = 0; x < rest; ++x) {
+            if (last[x]) samples[whole * kPixelsPerByte + x] = value;
+        }
         if (!work.Report(y, plane.height)) return 0;
     }
     return 1;

@@ -16,7 +16,7 @@ constexpr size_t PackedRowBytes(size_t width, u32 depth) { return (width * depth
 void UnpackBits(const u8* packed, size_t width, u8* pixels);
 
 // Makes a mask of the pixels of a one-byte plane that equal `value`. Reports (row, height). Codes: 5 for a null
-// pointer, 1 for an empty image or without memory, 14. `flags` is not used.
+// pointer, 1 for an empty image, 14. `flags` is not used.
 ZLV_BASE u32 MV40_Create1BitMaskFromColor(const u8* plane, u32 width, u32 height, u32 rowStride, u8* mask,
                                           u32 maskStride, u8 value, u32 flags);
 

@@ -1,5 +1,6 @@
 #include "base/histograms.h"
 
+#include "base/brightness.kernels.h"
 #include "base/image_view.h"
 #include "base/sample.h"
 #include "base/table_pass.h"
@@ -106,33 +107,36 @@ u32 Equalize(MVThreadContext& context, Error& error, const ImageView<T>& image, 
     return 1;
 }
 
-// What a pixel of each brightness loses, by the sum of its three channels.
-class BrightnessShift {
-public:
-    static constexpr u32 kSums = 3 * 255 + 1;
-
-    BrightnessShift(const u32 (&histogram)[256], u32 total)
-    {
-        i32 shiftByLevel[256];
-        u32 sum = 0;
-        for (u32 i = 0; i < 256; ++i) {
-            sum += histogram[i];
-            // In 32 bits: above 8.4 million pixels the product wraps, and clients have their results from that.
-            const i64 mapped = total ? i64(i32(sum * 255)) / i32(total) : 0;
-            shiftByLevel[i] = i32(i64(i) - mapped);
+// Counts the pixels of an image by the sum of their first three samples, in tables that take turns.
+void CountSums(const ImageView<u8>& image, u32 (&counts)[kBrightnessSums])
+{
+    constexpr u32 kBanks = 4;
+    u32 banks[kBanks][kBrightnessSums] = {};
+    const size_t step = image.channels;
+    const auto sumOf = [](const u8* pixel) { return u32(pixel[0]) + pixel[1] + pixel[2]; };
+    for (u32 y = 0; y < image.height; ++y) {
+        const u8* pixel = image.Row(y);
+        u32 x = 0;
+        for (; x + kBanks <= image.width; x += kBanks, pixel += kBanks * step) {
+            for (u32 bank = 0; bank < kBanks; ++bank) ++banks[bank][sumOf(pixel + bank * step)];
         }
-        for (u32 i = 0; i < kSums; ++i) shift_[i] = shiftByLevel[i / 3];
+        for (; x < image.width; ++x, pixel += step) ++banks[0][sumOf(pixel)];
     }
+    for (u32 i = 0; i < kBrightnessSums; ++i) counts[i] = banks[0][i] + banks[1][i] + banks[2][i] + banks[3][i];
+}
 
-    void Apply(u8* pixel) const
-    {
-        const i32 shift = shift_[u32(pixel[0]) + pixel[1] + pixel[2]];
-        for (u32 c = 0; c < 3; ++c) pixel[c] = u8(std::clamp(i64(pixel[c]) - shift, i64{0}, i64{255}));
+// What a pixel of each brightness loses, by the sum of its three samples.
+void MakeShifts(const u32 (&histogram)[256], u32 total, BrightnessShift (&shifts)[kBrightnessSums])
+{
+    u32 sum = 0;
+    for (u32 i = 0; i < 256; ++i) {
+        sum += histogram[i];
+        // In 32 bits: above 8.4 million pixels the product wraps, and clients have their results from that.
+        const i64 mapped = total ? i64(i32(sum * 255)) / i32(total) : 0;
+        const i16 shift = i16(std::clamp(i64(i) - mapped, i64{-255}, i64{255}));  // no sample can move further
+        for (u32 k = 3 * i; k < 3 * i + 3 && k < kBrightnessSums; ++k) shifts[k] = {{shift, shift, shift, 0}};
     }
-
-private:
-    i32 shift_[kSums];
-};
+}
 
 u32 EqualizeBrightness(MVThreadContext& context, Error& error, const ImageView<u8>& image, u32 low, u32 high)
 {
@@ -140,21 +144,21 @@ u32 EqualizeBrightness(MVThreadContext& context, Error& error, const ImageView<u
     if (!image.data || (image.channels != 3 && image.channels != 4)) return work.Fail(Error::BadArgument);
     if (low > high) std::swap(low, high);
 
+    u32 counts[kBrightnessSums];
+    CountSums(image, counts);
     u32 histogram[256] = {};
     u32 total = 0;
-    for (u32 y = 0; y < image.height; ++y) {
-        const u8* pixel = image.Row(y);
-        for (u32 x = 0; x < image.width; ++x, pixel += image.channels) {
-            const u32 brightness = (u32(pixel[0]) + pixel[1] + pixel[2]) / 3;
-            if (brightness < low || brightness > high) continue;
-            ++histogram[brightness];
-            ++total;
-        }
+    for (u32 i = 0; i < kBrightnessSums; ++i) {
+        const u32 brightness = i / 3;
+        if (brightness < low || brightness > high) continue;
+        histogram[brightness] += counts[i];
+        total += counts[i];
     }
-    const BrightnessShift shift(histogram, total);
+    BrightnessShift shifts[kBrightnessSums];
+    MakeShifts(histogram, total, shifts);
+    const BrightnessKernels& kernels = Kernels<BrightnessKernels>();
     for (u32 y = 0; y < image.height; ++y) {
-        u8* pixel = image.Row(y);
-        for (u32 x = 0; x < image.width; ++x, pixel += image.channels) shift.Apply(pixel);
+        (image.channels == 3 ? kernels.shiftRow3 : kernels.shiftRow4)(image.Row(y), image.width, shifts);
     }
     return 1;
 }

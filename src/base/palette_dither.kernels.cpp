@@ -107,8 +107,25 @@ void Dither(DitherState& state, const DitherRow& row)
     StoreWords(Weights::Below(errorBefore, error, Words{}), errors - 4 * step);
 }
 
+// Without errors a pixel is its own value, and need not wait for the one before.
+void MapColors(DitherState& state, const DitherRow& row)
+{
+    const u8* pixel = row.pixels;
+    u8* index = row.indices;
+    for (size_t count = row.count; count > 0; --count, pixel += 3 * row.step, index += row.step) {
+        const u32 color = u32(pixel[0]) | u32(pixel[1]) << 8 | u32(pixel[2]) << 16;
+        const u32 cell = CellOf(color);
+        if (state.cells[cell] == DitherState::kPerhapsUnknown) AnswerCell(state, cell, color);
+        *index = u8(state.cells[cell] >> kIndexShift);
+    }
+}
+
 void ChooseDither(DitherState& state, const DitherRow& row)
 {
+    if (state.limit == 0) {
+        MapColors(state, row);
+        return;
+    }
     const bool wraps = state.limit > 127;
     if (state.isFloydSteinberg) {
         (wraps ? Dither<FloydSteinberg, WrappingLimit> : Dither<FloydSteinberg, PlainLimit>)(state, row);

@@ -4,6 +4,7 @@
 #include "support/bytes.h"
 #include "support/guarded_buffer.h"
 #include "support/progress_recorder.h"
+#include "support/targets.h"
 #include "support/test_hooks.h"
 
 namespace zlv {
@@ -60,16 +61,19 @@ TEST(UnpackBits, IsThePackingBackwards)
     }
 }
 
-TEST(Create1BitMask, EqualsPlain)
+TEST(Create1BitMask, EveryTargetEqualsPlain)
 {
-    for (const u32 width : {1u, 7u, 8u, 9u, 16u, 37u}) {
-        SCOPE(width);
-        const u32 stride = width + 2, maskStride = (width + 7) / 8 + 1;
-        const Bytes plane = FewValues(size_t(stride) * 5, width);
-        Bytes wanted(size_t(maskStride) * 5, 0xA5), got(size_t(maskStride) * 5, 0xA5);
-        PlainMakeMask(plane.data(), width, 5, stride, wanted.data(), maskStride, 5);
-        EXPECT_EQ(MV40_Create1BitMaskFromColor(plane.data(), width, 5, stride, got.data(), maskStride, 5, 0), 1u);
-        EXPECT_EQ(got, wanted);
+    for (const Target target : zlvtest::RunnableTargets()) {
+        const zlvtest::ScopedTarget scoped(target);
+        for (const u32 width : {1u, 7u, 8u, 9u, 16u, 37u, 63u, 64u, 65u, 72u, 127u, 191u, 200u}) {
+            SCOPE(zlvtest::NameOf(target), width);
+            const u32 stride = width + 2, maskStride = (width + 7) / 8 + 1;
+            const Bytes plane = FewValues(size_t(stride) * 5, width);
+            Bytes wanted(size_t(maskStride) * 5, 0xA5), got(size_t(maskStride) * 5, 0xA5);
+            PlainMakeMask(plane.data(), width, 5, stride, wanted.data(), maskStride, 5);
+            EXPECT_EQ(MV40_Create1BitMaskFromColor(plane.data(), width, 5, stride, got.data(), maskStride, 5, 0), 1u);
+            EXPECT_EQ(got, wanted);
+        }
     }
 }
 
@@ -89,17 +93,20 @@ TEST(Create1BitMask, TheLeftmostPixelIsTheTopBit)
     EXPECT_EQ(mask, 0x90);
 }
 
-TEST(SetColorFrom1BitMask, EqualsPlain)
+TEST(SetColorFrom1BitMask, EveryTargetEqualsPlain)
 {
-    for (const u32 width : {1u, 7u, 8u, 9u, 16u, 37u}) {
-        SCOPE(width);
-        const u32 stride = width + 2, maskStride = (width + 7) / 8 + 1;
-        const Bytes mask = zlvtest::RandomBytes(size_t(maskStride) * 5, width);
-        Bytes wanted = zlvtest::RandomBytes(size_t(stride) * 5, 2);
-        Bytes got = wanted;
-        PlainSetWhereMasked(mask.data(), width, 5, maskStride, wanted.data(), stride, 200);
-        EXPECT_EQ(MV40_SetColorFrom1BitMask(mask.data(), width, 5, maskStride, got.data(), stride, 200, 0), 1u);
-        EXPECT_EQ(got, wanted);
+    for (const Target target : zlvtest::RunnableTargets()) {
+        const zlvtest::ScopedTarget scoped(target);
+        for (const u32 width : {1u, 7u, 8u, 9u, 16u, 37u, 63u, 64u, 65u, 72u, 127u, 191u, 200u}) {
+            SCOPE(zlvtest::NameOf(target), width);
+            const u32 stride = width + 2, maskStride = (width + 7) / 8 + 1;
+            const Bytes mask = zlvtest::RandomBytes(size_t(maskStride) * 5, width);
+            Bytes wanted = zlvtest::RandomBytes(size_t(stride) * 5, 2);
+            Bytes got = wanted;
+            PlainSetWhereMasked(mask.data(), width, 5, maskStride, wanted.data(), stride, 200);
+            EXPECT_EQ(MV40_SetColorFrom1BitMask(mask.data(), width, 5, maskStride, got.data(), stride, 200, 0), 1u);
+            EXPECT_EQ(got, wanted);
+        }
     }
 }
 
@@ -115,7 +122,7 @@ TEST(SetColorFrom1BitMask, AnEmptyMaskChangesNothing)
 TEST(BitMasks, StayInsideTheirBuffers)
 {
     using zlvtest::Flush;
-    for (const u32 width : {1u, 8u, 13u}) {
+    for (const u32 width : {1u, 8u, 13u, 64u, 111u}) {
         for (const Flush flush : {Flush::ToStart, Flush::ToEnd}) {
             SCOPE(width, int(flush));
             const u32 maskStride = (width + 7) / 8;
@@ -193,19 +200,15 @@ TEST(BitMasks, RefusalsWriteNothing)
     }
 }
 
-TEST(BitMasks, WithoutMemoryTheyAreCodeOne)
+TEST(BitMasks, NeedNoMemory)
 {
     (void)MV40_GetLastError();  // makes the thread's record
     for (const auto& function : kFunctions) {
         SCOPE(function.name);
         Bytes plane(32, 4), mask(4, 0xFF);
-        {
-            const zlvtest::FailingCalls failing(zlvtest::FailingCalls::Of::Allocate, 0);
-            EXPECT_EQ(function.run(plane.data(), mask.data(), 8, 4), 0u);
-        }
-        EXPECT_EQ(MV40_GetLastError(), u32(Error::OutOfMemory));
-        EXPECT_EQ(plane, Bytes(32, 4));
-        EXPECT_EQ(mask, Bytes(4, 0xFF));
+        const zlvtest::FailingCalls failing(zlvtest::FailingCalls::Of::Allocate, 0);
+        EXPECT_EQ(function.run(plane.data(), mask.data(), 8, 4), 1u);
+        EXPECT_EQ(failing.Failed(), 0u);
     }
 }
 

@@ -5,6 +5,7 @@
 #include "support/bytes.h"
 #include "support/guarded_buffer.h"
 #include "support/progress_recorder.h"
+#include "support/targets.h"
 
 #include <limits>
 
@@ -67,6 +68,24 @@ TEST(Emboss, EqualsPlain)
             scene.hasMask = kind & 2;
             scene.flags = (kind & 4 ? kEmbossBrightTexture : 0) | (kind & 8 ? kEmbossWholeImage : 0);
             ExpectPlain(scene);
+        }
+    }
+}
+
+// Rows are done in blocks of 128 and 256 pixels.
+TEST(Emboss, EveryTargetEqualsPlain)
+{
+    for (const Target target : zlvtest::RunnableTargets()) {
+        const zlvtest::ScopedTarget scoped(target);
+        for (const u32 width : {4u, 19u, 129u, 130u, 131u, 257u, 258u, 259u, 400u}) {
+            for (const bool hasTexture : {false, true}) {
+                SCOPE(zlvtest::NameOf(target), width, hasTexture);
+                Scene scene = {width, 5};
+                scene.hasTexture = hasTexture;
+                ExpectPlain(scene);
+                scene.elevation = -0.6;  // negative shades
+                ExpectPlain(scene);
+            }
         }
     }
 }

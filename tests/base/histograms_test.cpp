@@ -5,6 +5,7 @@
 #include "support/base_layer.h"
 #include "support/bytes.h"
 #include "support/progress_recorder.h"
+#include "support/targets.h"
 #include "support/test_hooks.h"
 
 #include <algorithm>
@@ -175,6 +176,26 @@ TEST(BrightnessEqualize, EqualsPlain)
                 MV40_BrightnessHistogramEqualizeImage(got.samples.data(), 40, 30, channels, got.Stride(), low, high),
                 1u);
             EXPECT_EQ(got.samples, wanted.samples);
+        }
+    }
+}
+
+// Rows are done in blocks of 128 pixels.
+TEST(BrightnessEqualize, EveryTargetEqualsPlain)
+{
+    for (const Target target : zlvtest::RunnableTargets()) {
+        const zlvtest::ScopedTarget scoped(target);
+        for (const u32 channels : {3u, 4u}) {
+            for (const u32 width : {1u, 2u, 7u, 127u, 128u, 129u, 300u}) {
+                SCOPE(zlvtest::NameOf(target), channels, width);
+                Picture<u8> wanted(width, 6, channels, 5, width);
+                Picture<u8> got = wanted;
+                PlainEqualizeBrightness(wanted.samples.data(), wanted.shape, 50, 200);
+                EXPECT_EQ(MV40_BrightnessHistogramEqualizeImage(got.samples.data(), width, 6, channels, got.Stride(),
+                                                                50, 200),
+                          1u);
+                EXPECT_EQ(got.samples, wanted.samples);
+            }
         }
     }
 }

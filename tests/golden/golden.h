@@ -63,6 +63,7 @@ struct GoldenRow {
 // The exports, a file a family; they are also tried on the library that is shipped.
 std::vector<GoldenRow> AdaptiveGolden();
 std::vector<GoldenRow> ArtisticGolden();
+std::vector<GoldenRow> CrackleGolden();
 std::vector<GoldenRow> DisplacementGolden();
 std::vector<GoldenRow> EdgesGolden();
 std::vector<GoldenRow> FrequencyGolden();
@@ -73,6 +74,7 @@ std::vector<GoldenRow> MorphologyGolden();
 std::vector<GoldenRow> NoiseGolden();
 std::vector<GoldenRow> PushGolden();
 std::vector<GoldenRow> SeamGolden();
+std::vector<GoldenRow> SegmentedGolden();
 std::vector<GoldenRow> ToneGolden();
 std::vector<GoldenRow> WarpGolden();
 std::vector<GoldenRow> WindowGolden();

@@ -17,6 +17,7 @@ std::vector<GoldenRow> AllRows()
     const auto add = [&](std::vector<GoldenRow> more) { rows.insert(rows.end(), more.begin(), more.end()); };
     add(AdaptiveGolden());
     add(ArtisticGolden());
+    add(CrackleGolden());
     add(DisplacementGolden());
     add(EdgesGolden());
     add(FrequencyGolden());
@@ -27,6 +28,7 @@ std::vector<GoldenRow> AllRows()
     add(NoiseGolden());
     add(PushGolden());
     add(SeamGolden());
+    add(SegmentedGolden());
     add(ToneGolden());
     add(WarpGolden());
     add(WindowGolden());
