@@ -18,4 +18,4 @@ void CXFormer::SetSize(u32 newWidth, u32 newHeight)
 
 // What stands in a virtual table for an operation without a body. The C++ run-time has one; the library lives without
 // that. Nothing calls it.
-extern "C" [[gnu::visibility("hidden"), noreturn]] void __cxa_pure_virtual() { __builtin_trap(); }
+extern "C" [[noreturn]] void __cxa_pure_virtual() { __builtin_trap(); }
