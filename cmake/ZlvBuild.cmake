@@ -9,7 +9,8 @@ target_compile_options(zlv_common_flags INTERFACE
     "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=." "-ffile-prefix-map=${PROJECT_BINARY_DIR}=build")
 if(ZLV_SANITIZE)
     target_compile_options(zlv_common_flags INTERFACE
-        -fsanitize=${ZLV_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+        # The library has no type information for the check of virtual calls.
+        -fsanitize=${ZLV_SANITIZE} -fno-sanitize=vptr -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(zlv_common_flags INTERFACE -fsanitize=${ZLV_SANITIZE})
 endif()
 
