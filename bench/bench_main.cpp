@@ -156,9 +156,10 @@ int Main(int argc, char** argv)
     u32 count = 0;
     std::set<size_t> copies;
     const auto families = {
-        AdaptiveRows, ArtisticRows,    BaseRows,   CrackleRows,    EdgesRows,  FilterRows,  FrequencyRows, GaussianRows,
-        GenerateRows, LayerStylesRows, MedianRows, MorphologyRows, NoiseRows,  OverlayRows, PaletteRows,   PolygonRows,
-        PushRows,     ResizeRows,      SeamRows,   SegmentedRows,  SplineRows, ToneRows,    WarpRows,      WindowRows,
+        AdaptiveRows, ArtisticRows, BaseRows,        CrackleRows,    EdgesRows,      FilterRows, FrequencyRows,
+        GaussianRows, GenerateRows, LayerStylesRows, MedianRows,     MorphologyRows, NoiseRows,  OverlayRows,
+        PaletteRows,  PolygonRows,  PushRows,        ReflectionRows, ResizeRows,     SeamRows,   SegmentedRows,
+        SplineRows,   ToneRows,     WarpRows,        WindowRows,
     };
     for (const auto rowsOfFamily : families) {
         for (const BenchRow& row : rowsOfFamily()) {

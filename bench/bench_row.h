@@ -68,6 +68,7 @@ std::vector<BenchRow> OverlayRows();
 std::vector<BenchRow> PaletteRows();
 std::vector<BenchRow> PolygonRows();
 std::vector<BenchRow> PushRows();
+std::vector<BenchRow> ReflectionRows();
 std::vector<BenchRow> ResizeRows();
 std::vector<BenchRow> SegmentedRows();
 std::vector<BenchRow> SplineRows();

@@ -1955,6 +1955,84 @@ ZLV40_API uint32_t ZLV40_SegmentedColorizeRGB(const uint8_t* source, uint32_t wi
                                               uint8_t* palette, uint32_t colors, uint32_t filterSize,
                                               int32_t useMedian);
 
+/* Filters of ZLV40_Stipple. */
+enum ZLV40_StippleFilter {
+    ZLV40_STIPPLE_MEAN = 0,      /* ZLV40_ArithmeticMeanFilter */
+    ZLV40_STIPPLE_MINIMUM = 1,   /* ZLV40_MinimumFilter */
+    ZLV40_STIPPLE_MAXIMUM = 2,   /* ZLV40_MaximumFilter */
+    ZLV40_STIPPLE_GEOMETRIC = 3, /* ZLV40_GeometricMeanFilter */
+    ZLV40_STIPPLE_POWER = 4      /* ZLV40_YpMeanFilter of order 1 */
+};
+
+/* Flags of ZLV40_Stipple. */
+enum ZLV40_StippleFlag { ZLV40_STIPPLE_NOISE_FIRST = 1 /* filters the noise too; without it noise comes last */ };
+
+/* Filters an image through a square window and adds Perlin noise to it, the same to all three channels. The noise is
+ * that of ZLV40_GeneratePerlinNoise and draws from the calling thread's random generator; a level of 128 adds nothing.
+ *   source             height rows of width pixels of 3 channels, 8 bits a sample; not NULL; not changed
+ *   width, height      of both images, 1 or more
+ *   sourceStride       bytes from one row of source to the next, >= width * 3
+ *   destination        the result, with as many rows and pixels; not NULL; may be source if the strides are equal
+ *   destinationStride  bytes from one row of destination to the next, >= width * 3; padding is not touched
+ *   density            up to 100, more is 100: of the noise, from a scale of 1 down to 0.1, and of the filter, whose
+ *                      window has an edge of 3 pixels up to 50, of 5 up to 80, else of 7
+ *   filterKind         a ZLV40_StippleFilter; with any other value nothing is written
+ *   flags              0 or ZLV40_STIPPLE_NOISE_FIRST; other bits are ignored
+ * With noise last, samples of 0 are 1 to the filter. There rows that are padded are taken for packed ones: row y of
+ * what is filtered begins y * sourceStride bytes behind the first pixel of the packed image, or with its last row at
+ * the latest. The picture is slanted unless sourceStride is width * 3.
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written), ZLV40_ERROR_OUT_OF_MEMORY or
+ * ZLV40_ERROR_CANCELLED.
+ * Progress once a row while noise is added. Can be cancelled: with noise first nothing is written, with noise last the
+ * rows done so far stay. Works on the calling thread. */
+#define ZLV40_Stipple _ZLV40_Stipple
+ZLV40_API uint32_t ZLV40_Stipple(const uint8_t* source, uint32_t width, uint32_t height, uint32_t sourceStride,
+                                 uint8_t* destination, uint32_t destinationStride, uint32_t density,
+                                 uint32_t filterKind, uint8_t flags);
+
+/* How the colour of ZLV40_ReflectImage grows from the start of its ramp to the end. Other values are linear. */
+enum ZLV40_FadeShape {
+    ZLV40_FADE_LINEAR = 0,
+    ZLV40_FADE_SMOOTH = 1, /* half a wave: slow, fast and slow again */
+    ZLV40_FADE_FAST = 2    /* a quarter of a wave: ever slower */
+};
+
+/* Flags of ZLV40_ReflectImage. */
+enum ZLV40_ReflectFlag { ZLV40_REFLECT_RIPPLED = 1 /* warps the reflection by a field of noise */ };
+
+/* Puts a mirrored copy of an image's first rows below them, as on water, that fades into a colour.
+ *   source             height rows of width pixels; not NULL; not changed
+ *   width, height      of the source; width 1 or more
+ *   bytesPerPixel      3
+ *   sourceStride       bytes from one row of source to the next, >= width * 3
+ *   destination        splitRow + reflectionHeight rows of width pixels; not NULL; may be source if the strides are
+ *                      equal
+ *   destinationStride  bytes from one row of destination to the next, >= width * 3; padding is not touched
+ *   splitRow           0..height: so many rows are copied, and mirrored
+ *   reflectionHeight   rows of the reflection, 1 or more; they are resized to it (Lanczos). A reflection of fewer than
+ *                      3 columns or rows, or of no rows, is black
+ *   fadeStart          where the ramp of the colour begins: so many heights of the reflection ABOVE its first row; not
+ *                      NaN, nor so large that the ramp comes from infinity, unless fadeEnd is 0 or below
+ *   fadeEnd            where the ramp ends: so many heights below the first row; not NaN. Above the ramp there is none
+ *                      of the colour, below it nothing else
+ *   color              channel 0 in the low byte; also what the ripples show from outside the image
+ *   fadeShape          a ZLV40_FadeShape
+ *   ripple             up to 1, more is 1: how far ripples move pixels, 1 for 20 pixels a slope of noise (see
+ *                      ZLV40_AddPerlinDisplacementTransform); 0 and below for no ripples
+ *   rippleScale        size of the ripples in pixels; with 0 the image is as flat as its warp, which then does nothing
+ *   flags              0 or ZLV40_REFLECT_RIPPLED, without which ripple is not looked at; other bits are ignored
+ * Ripples draw from the calling thread's random generator. The thread's warp list stays as it is.
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written), ZLV40_ERROR_OUT_OF_MEMORY (also when width or
+ * reflectionHeight is 0, or height is 0 with ripples) or ZLV40_ERROR_CANCELLED.
+ * Progress once a row of the reflection while it fades. Can be cancelled, and then no row of the reflection is written;
+ * the rows above it are. Works on the calling thread. */
+#define ZLV40_ReflectImage _ZLV40_ReflectImage
+ZLV40_API uint32_t ZLV40_ReflectImage(const uint8_t* source, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
+                                      uint32_t sourceStride, uint8_t* destination, uint32_t destinationStride,
+                                      uint32_t splitRow, uint32_t reflectionHeight, double fadeStart, double fadeEnd,
+                                      uint32_t color, uint32_t fadeShape, double ripple, uint32_t rippleScale,
+                                      uint32_t flags);
+
 #ifdef __cplusplus
 }
 #endif

@@ -5,6 +5,7 @@
 
 #include <new>
 #include <type_traits>
+#include <utility>
 
 namespace zlv {
 
@@ -174,6 +175,13 @@ public:
         platform::Free(objects_);
         objects_ = nullptr;
         capacity_ = 0;
+    }
+
+    void Swap(MVPtrVector& other)
+    {
+        std::swap(objects_, other.objects_);
+        std::swap(count_, other.count_);
+        std::swap(capacity_, other.capacity_);
     }
 
     u32 GetCount() const { return count_; }

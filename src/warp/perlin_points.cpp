@@ -19,34 +19,50 @@ public:
 
     bool MapPoint(f64 x, f64 y, f64* outX, f64* outY) override
     {
-        Displace(x, y);
-        *outX = x;
-        *outY = y;
+        const Column left = ColumnAt(x - 1, y), middle = ColumnAt(x, y), right = ColumnAt(x + 1, y);
+        Displace(x, y, left, middle, right, outX, outY);
         return true;
     }
 
+    // Pixels beside each other share two of their three columns: the very same numbers are noise of the same points.
     void MapRun(PointRun& run) override
     {
+        Column left = {}, middle = {}, right = {};
+        f64 lastX = 0, lastY = 0;
+        bool hasLast = false;
         for (u32 i = 0; i < run.count; ++i) {
-            if (!run.isLost[i]) Displace(run.x[i], run.y[i]);
+            if (run.isLost[i]) continue;
+            const f64 x = run.x[i], y = run.y[i];
+            const bool isNext = hasLast && y == lastY && x == lastX + 1 && x - 1 == lastX;
+            left = isNext ? middle : ColumnAt(x - 1, y);
+            middle = isNext ? right : ColumnAt(x, y);
+            right = ColumnAt(x + 1, y);
+            Displace(x, y, left, middle, right, &run.x[i], &run.y[i]);
+            lastX = x;
+            lastY = y;
+            hasLast = true;
         }
     }
 
 private:
-    // x by the slope along y and y by the one along x, unlike a relief, where points would flow down.
-    void Displace(f64& x, f64& y)
+    // Noise at a point and at those above and below it.
+    struct Column {
+        f64 above, level, below;
+    };
+
+    Column ColumnAt(f64 x, f64 y)
     {
-        const f64 left = (x - 1) / scaleX, middle = x / scaleX, right = (x + 1) / scaleX;
-        const f64 above = (y - 1) / scaleY, level = y / scaleY, below = (y + 1) / scaleY;
-        const f64 topLeft = noise.Noise2(left, above), topRight = noise.Noise2(right, above);
-        const f64 bottomLeft = noise.Noise2(left, below), bottomRight = noise.Noise2(right, below);
-        x = (noise.Noise2(middle, above) + topLeft + topRight - bottomLeft - noise.Noise2(middle, below) -
-             bottomRight) *
-                strength +
-            x;
-        y = (noise.Noise2(right, level) + topRight + bottomRight - topLeft - noise.Noise2(left, level) - bottomLeft) *
-                strength +
-            y;
+        const f64 place = x / scaleX;
+        return {noise.Noise2(place, (y - 1) / scaleY), noise.Noise2(place, y / scaleY),
+                noise.Noise2(place, (y + 1) / scaleY)};
+    }
+
+    // x by the slope along y and y by the one along x, unlike a relief, where points would flow down.
+    void Displace(f64 x, f64 y, const Column& left, const Column& middle, const Column& right, f64* outX,
+                  f64* outY) const
+    {
+        *outX = (middle.above + left.above + right.above - left.below - middle.below - right.below) * strength + x;
+        *outY = (right.level + right.above + right.below - left.above - left.level - left.below) * strength + y;
     }
 
 protected:

@@ -2,7 +2,11 @@
 #pragma once
 
 #include "plain/plain_cells.h"
+#include "plain/plain_reflection.h"
 #include "plain/plain_sketches.h"
+#include "plain/plain_stipple.h"
+#include "runtime/math.h"
+#include "runtime/random.h"
 #include "support/bytes.h"
 #include "support/guarded_buffer.h"
 #include "support/progress_recorder.h"
@@ -133,6 +137,70 @@ inline ArtisticEffect Fingerprint(f64 blur, u32 ridge, u32 flags)
             }};
 }
 
+// What random effects draw from.
+inline constexpr u32 kArtisticSeed = 20;
+inline void SeedArtisticNoise() { zlv::SeedRandom(*zlv::baseContexts.Get(), kArtisticSeed); }
+
+inline ArtisticEffect Stipple(u32 density, u32 filterKind, u8 flags)
+{
+    return {Join("stipple", density, filterKind, u32(flags)), 3, false,
+            [=](const ArtisticCall& c) {
+                SeedArtisticNoise();
+                return ZLV40_Stipple(c.source, c.width, c.height, c.stride, c.destination, c.stride, density,
+                                     filterKind, flags);
+            },
+            [=](const ArtisticCall& c, const PlainReport& report) {
+                PlainGenerator generator = {kArtisticSeed};
+                return PlainStipple(c.Plain(), density, filterKind, flags, zlv::Pow, generator, report);
+            }};
+}
+
+// A reflection, whose rows are those of the destination below the first `percent`, one at least.
+inline ArtisticEffect Reflect(u32 percent, const PlainReflection& reflection)
+{
+    const auto on = [=](const ArtisticCall& c) {
+        PlainReflection r = reflection;
+        r.source = c.source;
+        r.destination = c.destination;
+        r.sourceStride = r.destinationStride = c.stride;
+        r.width = c.width;
+        r.height = c.height;
+        r.splitRow = std::min(c.height * percent / 100, c.height - 1);
+        r.reflectionHeight = c.height - r.splitRow;
+        return r;
+    };
+    return {Join("reflect", percent, reflection.fadeStart, reflection.fadeEnd, reflection.fadeShape, reflection.ripple,
+                 reflection.rippleScale, reflection.flags),
+            3, false,
+            [=](const ArtisticCall& c) {
+                const PlainReflection r = on(c);
+                SeedArtisticNoise();
+                return ZLV40_ReflectImage(r.source, r.width, r.height, 3, u32(r.sourceStride), r.destination,
+                                          u32(r.destinationStride), r.splitRow, r.reflectionHeight, r.fadeStart,
+                                          r.fadeEnd, r.color, r.fadeShape, r.ripple, r.rippleScale, r.flags);
+            },
+            [=](const ArtisticCall& c, const PlainReport& report) {
+                PlainGenerator generator = {kArtisticSeed};
+                return on(c).Run(generator, report);
+            }};
+}
+
+inline ArtisticEffect ReflectFlat(u32 percent, f64 fadeStart, f64 fadeEnd, u32 fadeShape)
+{
+    return Reflect(percent, {.fadeStart = fadeStart, .fadeEnd = fadeEnd, .color = 0xFF402010, .fadeShape = fadeShape});
+}
+
+inline ArtisticEffect ReflectRippled(f64 ripple, u32 rippleScale, u32 flags)
+{
+    return Reflect(60, {.fadeStart = 0.2,
+                        .fadeEnd = 1.4,
+                        .color = 0x00C0E010,
+                        .fadeShape = 1,
+                        .ripple = ripple,
+                        .rippleScale = rippleScale,
+                        .flags = flags});
+}
+
 // Every effect in every mode.
 inline std::vector<ArtisticEffect> ArtisticEffects()
 {
@@ -161,6 +229,24 @@ inline std::vector<ArtisticEffect> ArtisticEffects()
         effects.push_back(Fingerprint(20, 8, flags));
     }
     effects.push_back(Fingerprint(100, 25, 0));
+    for (u32 filterKind = 0; filterKind <= 5; ++filterKind) {
+        for (const u8 flags : {0, 1}) effects.push_back(Stipple(60, filterKind, flags));
+    }
+    for (const u32 density : {0u, 50u, 51u, 80u, 81u, 100u, 250u}) {
+        for (const u8 flags : {2, 255}) effects.push_back(Stipple(density, 0, flags));
+    }
+    for (u32 fadeShape = 0; fadeShape <= 3; ++fadeShape) {
+        effects.push_back(ReflectFlat(54, 0, 1, fadeShape));
+        effects.push_back(ReflectFlat(50, 0.3, 1.5, fadeShape));
+        effects.push_back(ReflectFlat(20, -0.25, 0.75, fadeShape));
+    }
+    for (const u32 percent : {0u, 5u, 90u, 100u}) effects.push_back(ReflectFlat(percent, 0, 1, 0));
+    effects.push_back(ReflectFlat(54, 0, 0, 0));
+    effects.push_back(ReflectFlat(54, -2, -1, 1));
+    effects.push_back(ReflectFlat(54, 1, -1, 2));
+    for (const f64 ripple : {-1.0, 0.0, 0.4, 1.0, 3.0}) effects.push_back(ReflectRippled(ripple, 7, 1));
+    for (const u32 rippleScale : {0u, 1u, 50u}) effects.push_back(ReflectRippled(0.6, rippleScale, 0xFFFFFFFF));
+    effects.push_back(ReflectRippled(0.6, 7, 2));
     return effects;
 }
 

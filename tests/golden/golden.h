@@ -73,6 +73,7 @@ std::vector<GoldenRow> MedianGolden();
 std::vector<GoldenRow> MorphologyGolden();
 std::vector<GoldenRow> NoiseGolden();
 std::vector<GoldenRow> PushGolden();
+std::vector<GoldenRow> ReflectionGolden();
 std::vector<GoldenRow> SeamGolden();
 std::vector<GoldenRow> SegmentedGolden();
 std::vector<GoldenRow> ToneGolden();

@@ -27,6 +27,7 @@ std::vector<GoldenRow> AllRows()
     add(MorphologyGolden());
     add(NoiseGolden());
     add(PushGolden());
+    add(ReflectionGolden());
     add(SeamGolden());
     add(SegmentedGolden());
     add(ToneGolden());

@@ -40,8 +40,8 @@ class SegmentedColorize(Applied):
         self.assertEqual(result.samples, bytes((108, 121, 134)) * 240)
 
     def test_boundaries_are_lines_on_one_colour(self):
-        result = self.apply(drawn(["########........"] * 8), "segmented-colorize", "--colors", "2", "--mode", "boundary",
-                            "--filter-size", "0")
+        result = self.apply(drawn(["########........"] * 8), "segmented-colorize", "--colors", "2", "--mode",
+                            "boundary", "--filter-size", "0")
         self.assertEqual(result.samples, drawn([".......#........"] * 8).samples)
 
     def test_every_mode_keeps_to_the_colours(self):

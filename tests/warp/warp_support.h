@@ -76,7 +76,8 @@ inline void ExpectListEqualsPlain(const WarpImage& image, const std::vector<Plai
     EXPECT_EQ(Difference(src.data(), in.Data(), src.size()), "");
 }
 
-// These warps, added in this order for each picture, with every way of sampling.
+// These warps, added in this order for each picture, with every way of sampling. (What the flags do together is shown
+// by the tests of the list itself.)
 inline void ExpectChainEqualsPlain(const std::vector<WarpCase>& cases, const WarpImage& image)
 {
     const WarpList list;
@@ -86,7 +87,7 @@ inline void ExpectChainEqualsPlain(const std::vector<WarpCase>& cases, const War
         ASSERT_EQ(one.add(image.width, image.height), 1u);
         steps.push_back(one.plain(image.width, image.height));
     }
-    for (const std::uint32_t flags : {0u, 1u, 2u, 4u, 5u, 6u, 8u, 9u, 10u, 14u}) {
+    for (const std::uint32_t flags : {0u, 5u, 10u}) {
         ExpectListEqualsPlain(image, steps, flags);
     }
     PlainExtent got = {-1, -1, -1, -1};
