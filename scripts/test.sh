@@ -4,8 +4,8 @@
 #     scripts/test.sh                   all stages
 #     scripts/test.sh shipped windows   these alone
 #
-# A stage is a preset of CMakePresets.json, or `lint`. What a stage prints is kept in build/test-logs. Every test has its
-# stage: those that look inside the library run on Windows and, with Clang, under the sanitizers; `shipped` is GCC's
+# A stage is a preset of CMakePresets.json, or `lint`. What a stage prints is kept in build/test-logs. Every test has
+# its stage: those that look inside the library run on Windows and, with Clang, under the sanitizers; `shipped` is GCC's
 # library seen from outside, with the command; `tsan` is also the library without intrinsics. The presets linux, clang,
 # portable and fuzz build the same in other mixtures, for work on one of them.
 set -u
