@@ -1,16 +1,18 @@
 #!/bin/sh
-# Checks the formatting of every C and C++ file, then runs clang-tidy over the library and the tools.
+# Checks the formatting of every C and C++ file, then runs clang-tidy over the library.
 #   scripts/lint.sh [--all] [word that a file's path must contain]
-# With --all also over the benchmarks, which need packages that the tests do not, over the kernels of every instruction
-# set instead of one, and with the checks that follow every path through a function, which take most of the time.
+# With --all also over the command and the benchmarks, over the kernels of every instruction set instead of one, and with
+# the checks that follow every path through a function, which take most of the time.
 cd "$(dirname "$0")/.." || exit 1
 presets=linux
 kernels=avx2
 checks=-clang-analyzer-*
+linux_folders=src/
 if [ "${1:-}" = --all ]; then
     presets="linux bench"
     kernels=
     checks=
+    linux_folders="src/ tools/"
     shift
 fi
 word=${1:-}
@@ -54,7 +56,7 @@ END
             --extra-arg=-Wno-unknown-warning-option 2>/dev/null
 }
 for preset in $presets; do
-    if [ $preset = linux ]; then folders="src/ tools/"; else folders="bench/"; fi
+    if [ $preset = linux ]; then folders=$linux_folders; else folders="bench/"; fi
     tidy $preset "$folders" || failed=1
 done
 

@@ -22,10 +22,7 @@ public:
     static constexpr bool IsTooLong(u64 count) { return count > (kRefusedBytes - 1) / sizeof(T); }
 
     // Zeros; false when they can't be had. Called once.
-    [[nodiscard]] bool Allocate(u64 count)
-    {
-        return !IsTooLong(count) && AllocateAny(count);
-    }
+    [[nodiscard]] bool Allocate(u64 count) { return !IsTooLong(count) && AllocateAny(count); }
 
     // The same up to what memory holds.
     [[nodiscard]] bool AllocateAny(u64 count)

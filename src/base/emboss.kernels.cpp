@@ -19,7 +19,7 @@ void MakeFractions(const EmbossLight& light, const u8* above, const u8* here, co
                    Fractions& fractions)
 {
     const i32 lightX = light.x, lightY = light.y, lightZ = light.z, normalZ = light.normalZ;
-    for (size_t i = 0; i < count; ++i) {
+    for (i64 i = 0; i < i64(count); ++i) {  // signed: the column before the first is read
         const i32 left = above[i - 1] + here[i - 1] + below[i - 1];
         const i32 right = above[i + 1] + here[i + 1] + below[i + 1];
         const i32 top = above[i - 1] + above[i] + above[i + 1];

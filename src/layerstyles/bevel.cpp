@@ -173,6 +173,7 @@ ZLV_EXPORT u32 ZLV40_ShadeBevelEdge(u8* image, u32 width, u32 height, u32 rowStr
         Shader shader;
         const bool isEmpty = width == 0 || height == 0;
         if (isEmpty || !shader.Prepare(view, flags & ZLV40_PROTECT_ALPHA)) return frame.Fail(Error::OutOfMemory);
+        if (bytesPerPixel == 0 && !frame.MayReport()) return 1;
         const Shades shades = {ShadeOf(leftShade), ShadeOf(topShade), ShadeOf(rightShade), ShadeOf(bottomShade)};
         const Frame bevel(width, height, bevelWidth, shades);
         return blur == 0 ? ShadeSharply(frame, view, bevel, shader)

@@ -18,4 +18,5 @@ void CXFormer::SetSize(u32 newWidth, u32 newHeight)
 
 // What stands in a virtual table for an operation without a body. The C++ run-time has one; the library lives without
 // that. Nothing calls it.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): compilers look for this name.
 extern "C" [[noreturn]] void __cxa_pure_virtual() { __builtin_trap(); }

@@ -46,7 +46,8 @@ std::int64_t WidthOf(const DescribedEffect& effect, const DescribedImage& image,
 
 std::uint64_t ChannelsOf(const DescribedEffect& effect, const DescribedImage& image, const std::vector<Value>& values)
 {
-    return image.fixedChannels ? image.fixedChannels : NumberAt(effect, values, image.channels);
+    if (image.fixedChannels) return image.fixedChannels;
+    return image.channels < 0 ? effect.channels.front() : NumberAt(effect, values, image.channels);
 }
 
 // The bytes of an image whose numbers stand in the call; 0 for one that no buffer of a test can have.
@@ -155,6 +156,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
     }
 
     ZLV40_SetCallback(KeepGoing, input.Byte() % 8);
+    ZLV40_ClearAllTransforms();  // some successes leave an older code standing
     const std::uint32_t result = effect.call(values.data());
     const std::uint32_t error = ZLV40_GetLastError();
     ZLV40_SetCallback(nullptr, 0);
