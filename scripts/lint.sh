@@ -1,8 +1,8 @@
 #!/bin/sh
 # Checks the formatting of every C and C++ file, then runs clang-tidy over the library.
 #   scripts/lint.sh [--all] [word that a file's path must contain]
-# With --all also over the command and the benchmarks, over the kernels of every instruction set instead of one, and with
-# the checks that follow every path through a function, which take most of the time.
+# With --all also over the command and the benchmarks, over the kernels of every instruction set instead of one, and
+# with the checks that follow every path through a function, which take most of the time.
 cd "$(dirname "$0")/.." || exit 1
 presets=linux
 kernels=avx2
