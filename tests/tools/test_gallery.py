@@ -23,11 +23,15 @@ class GalleryTest(CommandTest):
     def figures(self, page):
         return {figure.get("id"): figure for figure in page.iter(HTML + "figure")}
 
-    def test_one_figure_an_effect_in_the_listed_order(self):
-        listed = [effect["name"] for effect in json.loads(self.run_command("list", "--json").text)]
+    def test_every_effect_in_each_of_its_modes_in_the_listed_order(self):
+        wanted = []
+        for effect in json.loads(self.run_command("list", "--json").text):
+            wanted.append(effect["name"])
+            wanted += [f"{effect['name']}-{parameter['name']}-{choice['name']}" for parameter in effect["parameters"]
+                       for choice in parameter.get("choices", []) if choice["name"] != parameter["default"]]
         page = self.page(self.run_command)
         self.assertEqual(self.answer.code, DONE)
-        self.assertEqual(list(self.figures(page)), listed)
+        self.assertEqual(list(self.figures(page)), wanted)
 
     def test_nothing_lies_outside_the_page(self):
         page = self.page(self.run_command)
@@ -59,7 +63,7 @@ class GalleryTest(CommandTest):
 
     def test_a_command_line_of_the_page_makes_the_picture_of_the_page(self):
         page = self.page(self.run_shapes, picture=pattern(6, 5, 4))
-        for name in ("lighten", "mirror", "paint"):
+        for name in ("lighten", "mirror", "mirror-axis-rows", "paint"):
             with self.subTest(name):
                 figure = self.figures(page)[name]
                 program, *arguments = shlex.split(figure.find(f".//{HTML}code").text)

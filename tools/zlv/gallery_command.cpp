@@ -8,11 +8,13 @@
 #include "picture_files.h"
 #include "progress_bar.h"
 #include "shrink.h"
+#include "values.h"
 
 #include <filesystem>
 #include <iostream>
 #include <new>
 #include <system_error>
+#include <utility>
 
 namespace zlv {
 namespace {
@@ -23,9 +25,24 @@ struct GallerySettings {
     bool isQuiet = false;
 };
 
-GalleryEntry MakeEntry(const Effect& effect, const Picture& original, uint32_t side, const Progress& progress)
+// The effect with its defaults, then with every other choice that it has.
+std::vector<GalleryEntry> EntriesOf(const Effect& effect)
 {
-    GalleryEntry entry{ChainStep(effect), {}, 0, {}};
+    std::vector<GalleryEntry> entries = {{ChainStep(effect), {}, {}, 0, {}}};
+    for (const Parameter& parameter : effect.parameters) {
+        for (const Choice& choice : parameter.choices) {
+            if (choice.value == parameter.defaultValue) continue;
+            GalleryEntry entry = {
+                ChainStep(effect), std::string(parameter.name) + "-" + std::string(choice.name), {}, 0, {}};
+            SetValue(parameter, choice.value, entry.step.values);
+            entries.push_back(std::move(entry));
+        }
+    }
+    return entries;
+}
+
+void MakePicture(GalleryEntry& entry, const Picture& original, uint32_t side, const Progress& progress)
+{
     try {
         const EffectResult result = ApplyEffect(entry.step, original, progress);
         entry.milliseconds = result.milliseconds;
@@ -33,9 +50,8 @@ GalleryEntry MakeEntry(const Effect& effect, const Picture& original, uint32_t s
     } catch (const PictureError& error) {
         entry.failure = error.what();
     } catch (const std::bad_alloc&) {
-        entry.failure = std::string(effect.name) + " failed: there is not enough memory for it";
+        entry.failure = entry.Name() + " failed: there is not enough memory for it";
     }
-    return entry;
 }
 
 Gallery MakeGallery(const GallerySettings& settings, ProgressBar& bar)
@@ -50,10 +66,16 @@ Gallery MakeGallery(const GallerySettings& settings, ProgressBar& bar)
     gallery.shownWidth = shown.width, gallery.shownHeight = shown.height;
     for (const Effect& effect : AllEffects()) {
         PartProgress part(bar, std::string(effect.name));
-        gallery.entries.push_back(
-            MakeEntry(effect, original, settings.side, [&part](double fraction) { part.Reach(fraction); }));
-        part.Reach(1);
-        if (!gallery.entries.back().failure.empty()) bar.Say("zlv: " + gallery.entries.back().failure + ".");
+        std::vector<GalleryEntry> entries = EntriesOf(effect);
+        for (size_t i = 0; i < entries.size(); ++i) {
+            const auto share = [&](double fraction) {
+                part.Reach((static_cast<double>(i) + fraction) / static_cast<double>(entries.size()));
+            };
+            MakePicture(entries[i], original, settings.side, share);
+            share(1);
+            if (!entries[i].failure.empty()) bar.Say("zlv: " + entries[i].failure + ".");
+            gallery.entries.push_back(std::move(entries[i]));
+        }
     }
     return gallery;
 }

@@ -74,7 +74,7 @@ std::string ShapeOf(const Gallery& gallery)
 
 std::string PairOf(const Gallery& gallery, const GalleryEntry& entry)
 {
-    const std::string name(entry.step.effect->name);
+    const std::string name = entry.Name();
     return "<div class=\"pair\" style=\"" + ShapeOf(gallery) + "\">" + "<div class=\"original\"></div>" +
            Image(entry.picture, name, gallery) + "<span class=\"left\">original</span><span class=\"right\">" +
            Escaped(name) + "</span>" +
@@ -98,10 +98,10 @@ std::string ParametersOf(const ChainStep& step)
 std::string FigureOf(const Gallery& gallery, const GalleryEntry& entry)
 {
     const Effect& effect = *entry.step.effect;
-    const std::string name = Escaped(effect.name), summary = Escaped(effect.summary);
+    const std::string name = Escaped(entry.Name()), summary = Escaped(effect.summary);
     const std::string words = LowerCase(name + " " + summary + " " + Escaped(effect.family));
     const std::string command =
-        "zlv apply " + CommandOf(entry.step) + " " + ShellWord(gallery.input) + " " + std::string(effect.name) + ".png";
+        "zlv apply " + CommandOf(entry.step) + " " + ShellWord(gallery.input) + " " + entry.Name() + ".png";
     const bool failed = !entry.failure.empty();
     return "<figure id=\"" + name + "\" data-words=\"" + words + "\">\n" +
            (failed ? "<p class=\"failure\">" + Escaped(entry.failure) + "</p>\n" : PairOf(gallery, entry)) +
@@ -146,8 +146,9 @@ std::string Lead(const Gallery& gallery)
     return "<header class=\"wide lead\"><div><p class=\"kicker\">Zelvane gallery</p>\n<h1>" +
            Escaped(gallery.fileName) + "</h1>\n<p>" + std::to_string(gallery.width) + " &#215; " +
            std::to_string(gallery.height) + " pixels, " + NameOfChannels(gallery.channels) + ". " +
-           std::to_string(count) + (count == 1 ? " effect with its" : " effects with their") +
-           " default values; the time is that of one call at full size.</p></div>\n" +
+           std::to_string(count) + (count == 1 ? " picture" : " pictures") +
+           ": every effect with its default values, and in each of its modes; the time is that of one call at full "
+           "size.</p></div>\n" +
            "<div class=\"original\" role=\"img\" aria-label=\"The original picture\" style=\"" + ShapeOf(gallery) +
            "\"></div></header>\n";
 }

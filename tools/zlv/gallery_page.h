@@ -12,9 +12,13 @@ namespace zlv {
 
 struct GalleryEntry {
     ChainStep step;
+    std::string variant;  // what differs from the effect's defaults: "mode-rows"; empty for the defaults themselves
     std::string picture;  // data URI; empty when the effect failed
     double milliseconds;
     std::string failure;
+
+    // What the entry is called on the page, and the picture that its command makes.
+    std::string Name() const { return std::string(step.effect->name) + (variant.empty() ? "" : "-" + variant); }
 };
 
 struct Gallery {
