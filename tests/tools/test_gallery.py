@@ -31,7 +31,24 @@ class GalleryTest(CommandTest):
                        for choice in parameter.get("choices", []) if choice["name"] != parameter["default"]]
         page = self.page(self.run_command)
         self.assertEqual(self.answer.code, DONE)
-        self.assertEqual(list(self.figures(page)), wanted)
+        self.assertEqual(list(self.figures(page)), wanted + ["seam-carve-seams", "seam-carve"])
+
+    def test_seams_are_drawn_over_the_picture_and_taken_out(self):
+        # Checks on both sides of a flat stripe: the seams run down the stripe.
+        stripe = range(20, 40)
+        samples = bytes(90 if x in stripe else 255 * ((x // 2 + y // 2) % 2)
+                        for y in range(24) for x in range(60) for _ in range(3))
+        page = self.page(self.run_command, picture=pattern(60, 24, 3).__class__(60, 24, 3, samples))
+        shown = {name: figure.find(f".//{HTML}img").get("src") for name, figure in self.figures(page).items()
+                 if name.startswith("seam-carve")}
+        pictures = {name: read_png(base64.b64decode(uri.split(",")[1])) for name, uri in shown.items()
+                    if uri.startswith("data:image/png")}
+        marks = [x for y in range(24) for x in range(60)
+                 if pictures["seam-carve-seams"].samples[(y * 60 + x) * 3:(y * 60 + x) * 3 + 3] == bytes((255, 40, 40))]
+        self.assertEqual(len(marks), 12 * 24)
+        self.assertGreaterEqual(min(marks), 18)
+        self.assertLessEqual(max(marks), 41)
+        self.assertIn("--width 80%", "".join(self.figures(page)["seam-carve"].itertext()))
 
     def test_nothing_lies_outside_the_page(self):
         page = self.page(self.run_command)

@@ -7,9 +7,12 @@
 #include "interrupt.h"
 #include "picture_files.h"
 #include "progress_bar.h"
+#include "seam_carving.h"
 #include "shrink.h"
 #include "values.h"
 
+#include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <iostream>
 #include <new>
@@ -28,12 +31,11 @@ struct GallerySettings {
 // The effect with its defaults, then with every other choice that it has.
 std::vector<GalleryEntry> EntriesOf(const Effect& effect)
 {
-    std::vector<GalleryEntry> entries = {{ChainStep(effect), {}, {}, 0, {}}};
+    std::vector<GalleryEntry> entries = {GalleryEntry(effect)};
     for (const Parameter& parameter : effect.parameters) {
         for (const Choice& choice : parameter.choices) {
             if (choice.value == parameter.defaultValue) continue;
-            GalleryEntry entry = {
-                ChainStep(effect), std::string(parameter.name) + "-" + std::string(choice.name), {}, 0, {}};
+            GalleryEntry entry(effect, std::string(parameter.name) + "-" + std::string(choice.name));
             SetValue(parameter, choice.value, entry.step.values);
             entries.push_back(std::move(entry));
         }
@@ -52,6 +54,61 @@ void MakePicture(GalleryEntry& entry, const Picture& original, uint32_t side, co
     } catch (const std::bad_alloc&) {
         entry.failure = entry.Name() + " failed: there is not enough memory for it";
     }
+}
+
+// ---- Seam carving: the seams over the picture, and the picture without them --------------------------------------
+
+constexpr Effect kSeamCarve = {"seam-carve",
+                               "ZLV40_SeamCarve",
+                               "Makes a picture narrower and keeps what stands out in it, seam by seam.",
+                               "Content-aware resizing",
+                               "stage",
+                               true,
+                               true,
+                               false,
+                               true,
+                               1u << kRgb,
+                               0,
+                               0,
+                               {},
+                               nullptr,
+                               nullptr,
+                               ""};
+constexpr uint32_t kSeamSide = 320;  // each seam is found by carving once more
+constexpr uint32_t kNarrowest = 20;  // pixels that are left
+constexpr uint32_t kKeptPercent = 80;
+
+// On white, in the original's width.
+Picture Widened(const Picture& picture, uint32_t width)
+{
+    Picture wide(width, picture.height, picture.channels);
+    std::fill(wide.samples.begin(), wide.samples.end(), uint8_t{255});
+    const size_t row = size_t{picture.width} * picture.channels;
+    for (size_t y = 0; y < picture.height; ++y)
+        std::copy_n(picture.samples.data() + y * row, row, wide.samples.data() + y * width * picture.channels);
+    return wide;
+}
+
+std::vector<GalleryEntry> SeamEntries(const Gallery& gallery, const Picture& original)
+{
+    const Picture picture = WithChannels(Shrunk(original, kSeamSide), kRgb);
+    const uint32_t width = picture.width * kKeptPercent / 100;
+    if (width < kNarrowest || picture.height < kNarrowest) return {};
+    GalleryEntry seams(kSeamCarve, "seams"), result(kSeamCarve);
+    result.command = "zlv seam-carve " + ShellWord(gallery.input) + " " + result.Name() + ".png --width " +
+                     std::to_string(kKeptPercent) + "%";
+    seams.command = result.command;
+    try {
+        seams.picture = DataUri(WithSeams(width, picture));
+        const auto start = std::chrono::steady_clock::now();
+        const Picture carved = CarvedTo(width, picture);
+        const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
+        seams.milliseconds = result.milliseconds = time.count();
+        result.picture = DataUri(Widened(carved, picture.width));
+    } catch (const PictureError& error) {
+        seams.failure = result.failure = error.what();
+    }
+    return {seams, result};
 }
 
 Gallery MakeGallery(const GallerySettings& settings, ProgressBar& bar)
@@ -77,6 +134,7 @@ Gallery MakeGallery(const GallerySettings& settings, ProgressBar& bar)
             gallery.entries.push_back(std::move(entries[i]));
         }
     }
+    for (GalleryEntry& entry : SeamEntries(gallery, original)) gallery.entries.push_back(std::move(entry));
     return gallery;
 }
 

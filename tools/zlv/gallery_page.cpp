@@ -100,8 +100,10 @@ std::string FigureOf(const Gallery& gallery, const GalleryEntry& entry)
     const Effect& effect = *entry.step.effect;
     const std::string name = Escaped(entry.Name()), summary = Escaped(effect.summary);
     const std::string words = LowerCase(name + " " + summary + " " + Escaped(effect.family));
-    const std::string command =
-        "zlv apply " + CommandOf(entry.step) + " " + ShellWord(gallery.input) + " " + entry.Name() + ".png";
+    const std::string file = entry.Name() + ".png";
+    const std::string command = entry.command.empty()
+                                    ? "zlv apply " + CommandOf(entry.step) + " " + ShellWord(gallery.input) + " " + file
+                                    : entry.command;
     const bool failed = !entry.failure.empty();
     return "<figure id=\"" + name + "\" data-words=\"" + words + "\">\n" +
            (failed ? "<p class=\"failure\">" + Escaped(entry.failure) + "</p>\n" : PairOf(gallery, entry)) +

@@ -11,11 +11,14 @@
 namespace zlv {
 
 struct GalleryEntry {
+    explicit GalleryEntry(const Effect& effect, std::string variantName = {}) : step(effect), variant(variantName) {}
+
     ChainStep step;
     std::string variant;  // what differs from the effect's defaults: "mode-rows"; empty for the defaults themselves
     std::string picture;  // data URI; empty when the effect failed
-    double milliseconds;
+    double milliseconds = 0;
     std::string failure;
+    std::string command;  // as the user would write it; empty for `zlv apply`
 
     // What the entry is called on the page, and the picture that its command makes.
     std::string Name() const { return std::string(step.effect->name) + (variant.empty() ? "" : "-" + variant); }

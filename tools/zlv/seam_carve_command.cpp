@@ -7,8 +7,8 @@
 #include "output_format.h"
 #include "picture_files.h"
 #include "progress_bar.h"
+#include "seam_carving.h"
 #include "system.h"
-#include "zlv40.h"
 
 #include <charconv>
 #include <optional>
@@ -18,7 +18,6 @@ namespace {
 
 constexpr uint32_t kSmallestSource = 3, kSmallestResult = 4, kMostPercent = 1000;
 constexpr uint32_t kMostColumns = 1u << 20;
-constexpr uint16_t kDefaultPenalty = 300;
 
 struct CarveLine {
     std::string input, output, width, mask, format;
@@ -108,22 +107,6 @@ std::optional<Picture> ReadMask(const CarveLine& line, const Picture& picture)
     return mask;
 }
 
-Picture Carve(const CarveLine& line, const Picture& source, uint32_t width, std::optional<Picture>& mask,
-              const Progress& progress)
-{
-    Picture result(width, source.height, source.channels);
-    const LibraryProgress installed(progress);
-    const auto seams = static_cast<int32_t>(int64_t{width} - source.width);
-    const uint32_t isDone = ZLV40_SeamCarve(
-        source.samples.data(), source.width, source.height, source.channels, source.width * source.channels,
-        mask ? mask->samples.data() : nullptr, source.width, result.samples.data(), width * source.channels, seams,
-        line.penalty, line.hasTwoThreads ? 0u : static_cast<uint32_t>(ZLV40_ONE_THREAD));
-    if (isDone) return result;
-    const uint32_t code = ZLV40_GetLastError();
-    StopIfInterrupted();
-    throw PictureError("\"" + line.input + "\": seam-carve failed: " + ReasonOf(code) + ".");
-}
-
 Picture CarvePicture(const CarveLine& line, WantedWidth wanted, ProgressBar& bar)
 {
     Picture picture = ReadPicture(line.input);
@@ -137,9 +120,15 @@ Picture CarvePicture(const CarveLine& line, WantedWidth wanted, ProgressBar& bar
 
     PartProgress part(bar, line.input);
     FittedPicture fitted(std::move(picture), 1u << kRgb | 1u << kRgba);  // alpha goes along with its pixels
-    Picture result = Carve(line, fitted.Get(), width, mask, [&part](double fraction) { part.Reach(fraction); });
-    part.Reach(1);
-    return fitted.Restore(std::move(result));
+    const CarveSettings settings = {mask ? &*mask : nullptr, line.penalty, line.hasTwoThreads};
+    try {
+        const LibraryProgress installed([&part](double fraction) { part.Reach(fraction); });
+        Picture result = CarvedTo(width, fitted.Get(), settings);
+        part.Reach(1);
+        return fitted.Restore(std::move(result));
+    } catch (const PictureError& error) {
+        throw PictureError("\"" + line.input + "\": " + error.what() + ".");
+    }
 }
 
 }  // namespace
