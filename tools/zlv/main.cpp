@@ -46,7 +46,7 @@ int ShowHelp()
                  "  zlv apply invert photo.png inverted.png\n"
                  "  zlv apply invert then invert a.jpg b.jpg 'out/{name}.png' --jobs 4\n"
                  "  zlv seam-carve photo.png narrow.png --width 80%\n"
-                 "  zlv warp photo.png warped.png spin --angle-degrees 90 ripple --sampling bicubic\n"
+                 "  zlv warp photo.png warped.png spin --angle 90 ripple --sampling bicubic\n"
                  "  zlv gallery photo.png gallery\n\n"
                  "`zlv COMMAND --help` shows the options of each. Exit codes: 0 when all is done, 1 when a picture\n"
                  "failed, 2 when the command line is wrong, 130 after Ctrl-C.\n";

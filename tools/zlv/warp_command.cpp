@@ -25,7 +25,7 @@ namespace {
 constexpr const char* kUsage = "zlv warp IN... OUT WARP [--parameter value ...] [WARP ...]... [options]";
 constexpr const char* kFooter =
     "Warps act in the order in which they stand, and the picture is sampled once, behind the last one.\n"
-    "  zlv warp in.png out.png spin --angle-degrees 90 ripple --amplitude 4 --sampling bicubic --clamp\n\n"
+    "  zlv warp in.png out.png spin --angle 90 ripple --amplitude 4 --sampling bicubic --clamp\n\n"
     "`zlv list` names the warps, `zlv info WARP` tells their parameters.\n";
 
 constexpr Choice kSamplings[] = {
