@@ -59,6 +59,7 @@ template <class Sample, class Kernel>
 void WriteRows(Sample* dst, u32 stride, const f64* grid, u32 width, u32 height, const FourierScale& scale,
                Kernel writeRow)
 {
+    if (width == 0) return;
     for (size_t y = 0; y < height; ++y) writeRow(grid + 2 * y * width, width, scale, dst + y * stride);
 }
 

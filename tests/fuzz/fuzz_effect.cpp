@@ -53,7 +53,7 @@ std::uint64_t ChannelsOf(const DescribedEffect& effect, const DescribedImage& im
 // The bytes of an image whose numbers stand in the call; 0 for one that no buffer of a test can have.
 std::size_t ImageBytes(const DescribedEffect& effect, const DescribedImage& image, const std::vector<Value>& values)
 {
-    constexpr std::uint64_t kLargest = 1 << 20;
+    constexpr std::uint64_t kLargest = 1 << 20, kMostSamples = 1 << 22;
     const std::uint64_t height = image.isPerChannel ? 1 : NumberAt(effect, values, image.height);
     const std::uint64_t channels = ChannelsOf(effect, image, values);
     const std::int64_t signedWidth = WidthOf(effect, image, values);
@@ -63,6 +63,7 @@ std::size_t ImageBytes(const DescribedEffect& effect, const DescribedImage& imag
     const std::uint64_t row = image.RowBytes(width, channels);
     const std::uint64_t stride = image.stride < 0 ? row : NumberAt(effect, values, image.stride) * image.strideBytes;
     if (row > kLargest || stride > kLargest) return 0;
+    if (height > kMostSamples / row) return 0;  // rows that overlap fit into little memory, but not into little time
     const std::uint64_t bytes =
         (height - 1) * stride + (image.hasWholeRows && stride > row ? stride : row) + image.isText;
     return bytes > kLargest ? 0 : std::size_t(bytes);
