@@ -10,11 +10,9 @@ import sys
 import tempfile
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-LINUX_FILES = ("src/libzlv40.so", "api/generated/zlv40.map")
 BUILT_FILES = {
     "windows": ("src/zlv40.dll", "src/libzlv40.dll.a", "src/zlv40.lib", "api/generated/zlv40.def"),
-    "linux": LINUX_FILES,
-    "debug": LINUX_FILES,
+    "linux": ("src/libzlv40.so", "api/generated/zlv40.map"),
 }
 
 
