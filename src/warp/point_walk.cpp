@@ -17,6 +17,14 @@ void SetPixels(PointRun& run, u32 x, u32 y, u32 count)
 
 }  // namespace
 
+bool PointWalk::HasSideEffects() const
+{
+    for (u32 i = 0; i < steps_.GetCount(); ++i) {
+        if (steps_[i]->GetSideEffect() != CXFormer::SideEffect::None) return true;
+    }
+    return false;
+}
+
 // The client's function sees the points in their order, and all steps of one before the next. Draws go point by point,
 // too; with one step that draws this is the order of a run.
 u32 PointWalk::PointsAtOnce() const

@@ -15,6 +15,8 @@ public:
     explicit PointWalk(const Steps& steps) : steps_(steps) {}
 
     bool IsEmpty() const { return steps_.GetCount() == 0; }
+    // Whether anybody could tell that points have gone through the list without looking at them.
+    bool HasSideEffects() const;
     // How many points may go together now.
     u32 PointsAtOnce() const;
 

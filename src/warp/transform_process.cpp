@@ -101,8 +101,10 @@ ZLV_EXPORT u32 ZLV40_TransformProcess(const u8* src, u32 width, u32 height, u32 
         const bool writes = sampling != kNoSampling && channels > 0;
         const PointWalk walk(frame.Context().transforms);
         for (u32 y = 0; y < height; ++y) {
+            // Rows may be of any length here, in no memory: without samples nothing bounds them.
+            const u32 points = writes || walk.HasSideEffects() ? width : 0;
             ForRuns(
-                walk, width, [&](PointRun& run, u32 x, u32 count) { walk.MapPixels(run, x, y, count); },
+                walk, points, [&](PointRun& run, u32 x, u32 count) { walk.MapPixels(run, x, y, count); },
                 [&](PointRun& run, u32 x) {
                     if (!writes) return;
                     if (flags & ZLV40_CLAMP_POINTS) ClampRun(run, width, height);
