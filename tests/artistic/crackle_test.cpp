@@ -1,6 +1,7 @@
 #include "base/gray_morphology.h"
 #include "plain/plain_crackle.h"
 #include "runtime/frame.h"
+#include "support/base_watch.h"
 #include "support/bytes.h"
 #include "support/guarded_buffer.h"
 #include "support/progress_recorder.h"
@@ -230,21 +231,13 @@ TEST(Crackle, ReportsBeforeTheReliefRefuses)
 
 TEST(Crackle, LeavesTheCountersAndTheBaseCallbackAsTheyWere)
 {
-    ProgressRecorder recorder;
-    MV40_SetCallback(recorder.Function, recorder.Data());
+    zlvtest::BaseWatch base;
     for (const u32 kind : {0u, 1u, 2u, 3u, 4u, 5u}) {
         const CrackleCase c{6, 5, kind};
         Bytes destination = c.Destination();
         c.Apply(c.Source(), destination);
-        u64 data = 0;
-        EXPECT_EQ(MV40_GetCallback(&data), recorder.Function);
-        EXPECT_EQ(data, recorder.Data());
-        EXPECT_EQ(exportedContexts.Get()->nestCount, 0u);
-        EXPECT_EQ(exportedContexts.Get()->callDepth, 0u);
-        EXPECT_EQ(exportedContexts.Get()->openFrames, 0u);
+        base.ExpectUntouched();
     }
-    MV40_SetCallback(nullptr, 0);
-    EXPECT_TRUE(recorder.reports.empty());
 }
 
 // ---- Memory ----

@@ -2,6 +2,7 @@
 #include "artistic/segmented_cases.h"
 
 #include "runtime/frame.h"
+#include "support/base_watch.h"
 #include "support/progress_recorder.h"
 #include "support/test_hooks.h"
 
@@ -164,21 +165,13 @@ TEST(SegmentedColorizeCalls, ColorsBeyond256AreNotReported)
 
 TEST(SegmentedColorizeCalls, LeaveTheCountersAndTheBaseCallbackAsTheyWere)
 {
-    ProgressRecorder recorder;
-    MV40_SetCallback(recorder.Function, recorder.Data());
+    zlvtest::BaseWatch base;
     for (const u32 mode : {0u, 1u, 4u}) {
         const SegmentCase c{20, 9, 4, mode, 3};
         SegmentResult result(c);
         Apply(c, c.Source(), result);
-        u64 data = 0;
-        EXPECT_EQ(MV40_GetCallback(&data), recorder.Function);
-        EXPECT_EQ(data, recorder.Data());
-        EXPECT_EQ(exportedContexts.Get()->nestCount, 0u);
-        EXPECT_EQ(exportedContexts.Get()->callDepth, 0u);
-        EXPECT_EQ(exportedContexts.Get()->openFrames, 0u);
+        base.ExpectUntouched();
     }
-    MV40_SetCallback(nullptr, 0);
-    EXPECT_TRUE(recorder.reports.empty());
 }
 
 // ---- Steps that fail ----

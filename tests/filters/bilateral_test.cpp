@@ -2,6 +2,7 @@
 #include "plain/plain_bilateral.h"
 #include "runtime/base_call.h"
 #include "runtime/math.h"
+#include "support/base_watch.h"
 #include "support/bytes.h"
 #include "support/guarded_buffer.h"
 #include "support/progress_recorder.h"
@@ -18,6 +19,7 @@ namespace {
 
 using zlvtest::Bytes;
 using zlvtest::FailingCalls;
+using zlvtest::BaseWatch;
 using zlvtest::ProgressRecorder;
 using zlvtest::Report;
 
@@ -448,23 +450,15 @@ TEST(Bilateral, ACancelAtAnyReportKeepsWhatIsDone)
 
 TEST(Bilateral, LeavesCountersAndBaseCallbackAsTheyWere)
 {
-    ProgressRecorder recorder;
-    MV40_SetCallback(recorder.Function, recorder.Data());
+    BaseWatch base;
     const Bytes src = zlvtest::RandomBytes(81, 7);
     for (const u32 flags : {kSquare, kSeparable, kThreads}) {
         for (const u32 size : {3u, 10u}) {
             Bytes dst(81);
             Smooth({9, 9}, src.data(), dst.data(), {size, 0, 20, 1 | flags});
-            u64 data = 0;
-            EXPECT_EQ(MV40_GetCallback(&data), recorder.Function);
-            EXPECT_EQ(data, recorder.Data());
-            EXPECT_EQ(exportedContexts.Get()->nestCount, 0u);
-            EXPECT_EQ(exportedContexts.Get()->callDepth, 0u);
-            EXPECT_EQ(exportedContexts.Get()->openFrames, 0u);
+            base.ExpectUntouched();
         }
     }
-    MV40_SetCallback(nullptr, 0);
-    EXPECT_TRUE(recorder.reports.empty());
 }
 
 // ---- Threads ------------------------------------------------------------------------------------------------------

@@ -2,6 +2,7 @@
 #include "plain/plain_canny.h"
 #include "runtime/base_call.h"
 #include "runtime/math.h"
+#include "support/base_watch.h"
 #include "support/bytes.h"
 #include "support/guarded_buffer.h"
 #include "support/progress_recorder.h"
@@ -18,6 +19,7 @@ namespace {
 
 using zlvtest::Bytes;
 using zlvtest::FailingCalls;
+using zlvtest::BaseWatch;
 using zlvtest::ProgressRecorder;
 using zlvtest::Report;
 
@@ -268,20 +270,13 @@ TEST(Canny, OnlyTheLastStageWrites)
 
 TEST(Canny, LeavesCountersAndBaseCallbackAsTheyWere)
 {
-    ProgressRecorder recorder;
-    MV40_SetCallback(recorder.Function, recorder.Data());
+    BaseWatch base;
     const Bytes src = zlvtest::RandomBytes(100, 1);
     Bytes dst(100);
     for (const f64 sigma : {1.0, -1.0}) {
         Detect({10, 10}, src.data(), dst.data(), {sigma});
-        u64 data = 0;
-        EXPECT_EQ(MV40_GetCallback(&data), recorder.Function);
-        EXPECT_EQ(exportedContexts.Get()->nestCount, 0u);
-        EXPECT_EQ(exportedContexts.Get()->callDepth, 0u);
-        EXPECT_EQ(exportedContexts.Get()->openFrames, 0u);
+        base.ExpectUntouched();
     }
-    MV40_SetCallback(nullptr, 0);
-    EXPECT_TRUE(recorder.reports.empty());
 }
 
 // ---- Codes --------------------------------------------------------------------------------------------------------

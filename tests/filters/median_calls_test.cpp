@@ -2,6 +2,7 @@
 #include "filters/median_cases.h"
 
 #include "runtime/frame.h"
+#include "support/base_watch.h"
 #include "support/test_hooks.h"
 
 #include <limits>
@@ -259,24 +260,16 @@ TEST(MedianCalls, ClearTheErrorOfTheCallBefore)
 
 TEST(MedianCalls, LeaveTheCountersAndTheBaseCallbackAsTheyWere)
 {
-    ProgressRecorder base;
-    MV40_SetCallback(base.Function, base.Data());
+    zlvtest::BaseWatch base;
     for (const MedianExport& median : kExports) {
         SCOPE(median.name, median.filterSize);
         const Bytes src = RandomBytes(kSize, 1);
         Bytes dst(kSize);
         for (const u8* image : {src.data(), static_cast<const u8*>(nullptr)}) {
             median.apply(image, dst.data(), median.filterSize);
-            u64 data = 0;
-            EXPECT_EQ(MV40_GetCallback(&data), base.Function);
-            EXPECT_EQ(data, base.Data());
-            EXPECT_EQ(exportedContexts.Get()->nestCount, 0u);
-            EXPECT_EQ(exportedContexts.Get()->callDepth, 0u);
-            EXPECT_EQ(exportedContexts.Get()->openFrames, 0u);
+            base.ExpectUntouched();
         }
     }
-    MV40_SetCallback(nullptr, 0);
-    EXPECT_TRUE(base.reports.empty());
 }
 
 // ---- Progress ----

@@ -1,5 +1,6 @@
 #include "plain/plain_sobel.h"
 #include "runtime/base_call.h"
+#include "support/base_watch.h"
 #include "support/bytes.h"
 #include "support/guarded_buffer.h"
 #include "support/progress_recorder.h"
@@ -16,6 +17,7 @@ namespace {
 
 using zlvtest::Bytes;
 using zlvtest::FailingCalls;
+using zlvtest::BaseWatch;
 using zlvtest::ProgressRecorder;
 using Words = std::vector<u16>;
 
@@ -307,21 +309,13 @@ TEST(Sobel, ACancelAtAnyRowKeepsWhatIsDone)
 
 TEST(Sobel, LeavesCountersAndBaseCallbackAsTheyWere)
 {
-    ProgressRecorder recorder;
-    MV40_SetCallback(recorder.Function, recorder.Data());
+    BaseWatch base;
     const Bytes src = zlvtest::RandomBytes(75, 1);
     for (const u32 flags : {7u, kCombined, kThreads}) {
         Words dst(75);
         Filter({5, 5, 3}, src.data(), dst.data(), flags);
-        u64 data = 0;
-        EXPECT_EQ(MV40_GetCallback(&data), recorder.Function);
-        EXPECT_EQ(data, recorder.Data());
-        EXPECT_EQ(exportedContexts.Get()->nestCount, 0u);
-        EXPECT_EQ(exportedContexts.Get()->callDepth, 0u);
-        EXPECT_EQ(exportedContexts.Get()->openFrames, 0u);
+        base.ExpectUntouched();
     }
-    MV40_SetCallback(nullptr, 0);
-    EXPECT_TRUE(recorder.reports.empty());
 }
 
 // ---- Threads ------------------------------------------------------------------------------------------------------

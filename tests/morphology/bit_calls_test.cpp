@@ -2,6 +2,7 @@
 #include "morphology/bit_morphology_cases.h"
 
 #include "runtime/frame.h"
+#include "support/base_watch.h"
 #include "support/progress_recorder.h"
 #include "support/test_hooks.h"
 
@@ -153,24 +154,16 @@ TEST(BitMorphologyCalls, HitOrMissAndThinningAreSilent)
 
 TEST(BitMorphologyCalls, LeaveTheCountersAndTheBaseCallbackAsTheyWere)
 {
-    ProgressRecorder recorder;
-    MV40_SetCallback(recorder.Function, recorder.Data());
+    zlvtest::BaseWatch base;
     const u32 one = 1;
     const u8 src = 0xF0;
     u8 dst = 0;
     for (const BitFunction& function : kBitFunctions) {
         for (const u32* element : {&one, static_cast<const u32*>(nullptr)}) {
             function.apply(&src, 8, 1, 1, &dst, 1, element, 1, 1, 0);
-            u64 data = 0;
-            EXPECT_EQ(MV40_GetCallback(&data), recorder.Function);
-            EXPECT_EQ(data, recorder.Data());
-            EXPECT_EQ(exportedContexts.Get()->nestCount, 0u);
-            EXPECT_EQ(exportedContexts.Get()->callDepth, 0u);
-            EXPECT_EQ(exportedContexts.Get()->openFrames, 0u);
+            base.ExpectUntouched();
         }
     }
-    MV40_SetCallback(nullptr, 0);
-    EXPECT_TRUE(recorder.reports.empty());
 }
 
 // ---- Memory ----

@@ -1,6 +1,7 @@
 // Opening, closing, top-hat and gradient of gray planes.
 #include "plain/plain_gray_compositions.h"
 #include "runtime/frame.h"
+#include "support/base_watch.h"
 #include "support/bytes.h"
 #include "support/guarded_buffer.h"
 #include "support/progress_recorder.h"
@@ -316,24 +317,16 @@ TEST(GrayCompositions, ReportTheirLastStepAndEndQuietly)
 
 TEST(GrayCompositions, LeaveTheCountersAndTheBaseCallbackAsTheyWere)
 {
-    ProgressRecorder recorder;
-    MV40_SetCallback(recorder.Function, recorder.Data());
+    zlvtest::BaseWatch base;
     const u8 src = 9;
     u8 dst = 0;
     const u32 zero = 0;
     for (const Function& function : kFunctions) {
         for (const u32 side : {1u, 2u}) {
             function.apply(&src, 1, 1, 1, &zero, side, &dst, 1);
-            u64 data = 0;
-            EXPECT_EQ(MV40_GetCallback(&data), recorder.Function);
-            EXPECT_EQ(data, recorder.Data());
-            EXPECT_EQ(exportedContexts.Get()->nestCount, 0u);
-            EXPECT_EQ(exportedContexts.Get()->callDepth, 0u);
-            EXPECT_EQ(exportedContexts.Get()->openFrames, 0u);
+            base.ExpectUntouched();
         }
     }
-    MV40_SetCallback(nullptr, 0);
-    EXPECT_TRUE(recorder.reports.empty());
 }
 
 // ---- Memory ----

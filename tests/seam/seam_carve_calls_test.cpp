@@ -2,6 +2,7 @@
 #include "seam/seam_carve_cases.h"
 
 #include "runtime/base_call.h"
+#include "support/base_watch.h"
 #include "support/progress_recorder.h"
 #include "support/test_hooks.h"
 #include "support/thread_hooks.h"
@@ -10,6 +11,7 @@ namespace zlv {
 namespace {
 
 using zlvtest::FailingCalls;
+using zlvtest::BaseWatch;
 using zlvtest::ProgressRecorder;
 using zlvtest::ThreadOrders;
 
@@ -198,21 +200,13 @@ TEST(SeamCarve, TheCallbackMayCallTheLibrary)
 
 TEST(SeamCarve, LeavesCountersAndBaseCallbackAsTheyWere)
 {
-    ProgressRecorder recorder;
-    MV40_SetCallback(recorder.Function, recorder.Data());
+    BaseWatch base;
     for (const u32 flags : kForms) {
         for (const i32 seams : {0, -2, 2, -8}) {
             RunCase({.seams = seams, .flags = flags, .dstPadding = 3});
-            u64 data = 0;
-            EXPECT_EQ(MV40_GetCallback(&data), recorder.Function);
-            EXPECT_EQ(data, recorder.Data());
-            EXPECT_EQ(exportedContexts.Get()->nestCount, 0u);
-            EXPECT_EQ(exportedContexts.Get()->callDepth, 0u);
-            EXPECT_EQ(exportedContexts.Get()->openFrames, 0u);
+            base.ExpectUntouched();
         }
     }
-    MV40_SetCallback(nullptr, 0);
-    EXPECT_TRUE(recorder.reports.empty());
 }
 
 // ---- Failures ---------------------------------------------------------------------------------------------------

@@ -1,5 +1,6 @@
 #include "plain/plain_table_pass.h"
 #include "runtime/base_call.h"
+#include "support/base_watch.h"
 #include "support/bytes.h"
 #include "support/progress_recorder.h"
 #include "support/targets.h"
@@ -119,20 +120,12 @@ TEST(InvertImage, ClearsTheErrorOfTheCallBefore)
 
 TEST(InvertImage, LeavesTheCountersAndTheBaseCallbackAsTheyWere)
 {
-    zlvtest::ProgressRecorder recorder;
-    MV40_SetCallback(recorder.Function, recorder.Data());
+    zlvtest::BaseWatch base;
     u8 sample = 7;
     for (u8* buffer : {&sample, static_cast<u8*>(nullptr)}) {
         ZLV40_InvertImage(buffer, 1, 1, 1, 1, 0);
-        u64 data = 0;
-        EXPECT_EQ(MV40_GetCallback(&data), recorder.Function);
-        EXPECT_EQ(data, recorder.Data());
-        EXPECT_EQ(exportedContexts.Get()->nestCount, 0u);
-        EXPECT_EQ(exportedContexts.Get()->callDepth, 0u);
-        EXPECT_EQ(exportedContexts.Get()->openFrames, 0u);
+        base.ExpectUntouched();
     }
-    MV40_SetCallback(nullptr, 0);
-    EXPECT_TRUE(recorder.reports.empty());
 }
 
 }  // namespace

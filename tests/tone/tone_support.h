@@ -2,6 +2,7 @@
 #pragma once
 
 #include "runtime/base_call.h"
+#include "support/base_watch.h"
 #include "support/bytes.h"
 #include "support/guarded_buffer.h"
 #include "support/progress_recorder.h"
@@ -112,8 +113,7 @@ inline void ExpectSilentAsStep(const InPlaceEffect& effect, u32 channels)
 // were after a success, a cancel and a refusal.
 inline void ExpectFrame(const InPlaceEffect& effect, u32 channels, bool reports)
 {
-    ProgressRecorder base;
-    zlv::MV40_SetCallback(base.Function, base.Data());
+    BaseWatch base;
     const zlv::ZLVThreadContext& context = *zlv::exportedContexts.Get();
     for (const std::size_t cancelAt : {std::size_t(0), std::size_t(2)}) {
         for (const bool hasBuffer : {true, false}) {
@@ -127,16 +127,9 @@ inline void ExpectFrame(const InPlaceEffect& effect, u32 channels, bool reports)
             };
             const bool isCancelled = reports && cancelAt && hasBuffer;
             EXPECT_EQ(effect.apply(hasBuffer ? image.data() : nullptr, shape), hasBuffer && !isCancelled ? 1u : 0u);
-            EXPECT_EQ(context.nestCount, 0u);
-            EXPECT_EQ(context.callDepth, 0u);
-            EXPECT_EQ(context.openFrames, 0u);
-            zlv::u64 data = 0;
-            EXPECT_EQ(zlv::MV40_GetCallback(&data), base.Function);
-            EXPECT_EQ(data, base.Data());
+            base.ExpectUntouched();
         }
     }
-    zlv::MV40_SetCallback(nullptr, 0);
-    EXPECT_TRUE(base.reports.empty());
 }
 
 // An image without pixels still has rows to report; with a height of 0 there is nothing to do.
