@@ -1,5 +1,6 @@
 // A warp that displaces points by the slopes of a relief of the client's.
 #include "warp/add_transform.h"
+#include "warp/point_walk.h"
 
 #include "zlv40.h"
 
@@ -41,13 +42,7 @@ public:
         return Error::None;
     }
 
-    bool MapPoint(f64 x, f64 y, f64* outX, f64* outY) override
-    {
-        Displace(x, y);
-        *outX = x;
-        *outY = y;
-        return true;
-    }
+    bool MapPoint(f64 x, f64 y, f64* outX, f64* outY) override { return MapOnePoint(*this, x, y, outX, outY); }
 
     void MapRun(PointRun& run) override
     {

@@ -16,13 +16,12 @@ TEST(ArtisticEffects, EveryTargetEqualsPlain)
     const ArtisticShape kShapes[] = {{16, 12, 0}, {37, 21, 5}, {70, 33, 0}, {131, 9, 2}};
     for (const ArtisticEffect& effect : ArtisticEffects()) {
         for (const ArtisticShape& shape : kShapes) {
-            for (const Target target : RunnableTargets()) {
-                const ScopedTarget scoped(target);
+            zlvtest::OnEveryTarget([&] {
                 for (const bool hasClient : {false, true}) {
-                    SCOPE(effect.name, NameOf(target), shape.width, shape.height, hasClient);
+                    SCOPE(effect.name, shape.width, shape.height, hasClient);
                     ArtisticComparison(effect, shape).Expect(0, hasClient);
                 }
-            }
+            });
         }
     }
 }

@@ -28,15 +28,14 @@ TEST(ASCIIizeGrayscaleImage, EveryTargetEqualsPlain)
     std::string longRamp;  // of more characters than there are levels
     for (int i = 0; i < 300; ++i) longRamp += char('!' + i % 90);
     const char* const ramps[] = {kDefault, "#", "# ", "0123456789", longRamp.c_str()};
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const u32 width : {1u, 2u, 7u, 8u, 33u}) {
             for (const u32 height : {1u, 5u, 8u}) {
                 for (const u32 padding : {0u, 1u, 4u}) {
                     for (const u32 columns : {1u, 2u, 7u, 8u, 40u}) {
                         for (const u32 rows : {1u, 5u, 8u, 11u}) {
                             const char* const ramp = ramps[(width + columns + rows) % 5];
-                            SCOPE(NameOf(target), width, height, padding, columns, rows, ramp);
+                            SCOPE(width, height, padding, columns, rows, ramp);
                             const u32 stride = width + padding;
                             const Bytes plane = RandomBytes(std::size_t(height - 1) * stride + width, width);
                             GuardedBuffer source(plane.size(), Flush::ToEnd);
@@ -55,7 +54,7 @@ TEST(ASCIIizeGrayscaleImage, EveryTargetEqualsPlain)
                 }
             }
         }
-    }
+    });
 }
 
 TEST(ASCIIizeGrayscaleImage, TheDefaultRampHasSixteenLevelsOfEachCharacter)

@@ -57,15 +57,13 @@ struct CrackleCase {
 
 TEST(Crackle, EveryTargetEqualsPlain)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         for (const u32 kind : kKinds) {
             for (const u32 width : {4u, 5u, 16u, 33u, 71u}) {
                 for (const u32 height : {4u, 13u}) CrackleCase{width, height, kind}.ExpectPlain();
             }
         }
-    }
+    });
 }
 
 // Windows of the morphology (7) and the sharpening (5) are larger than these.
@@ -118,12 +116,11 @@ TEST(Crackle, WorksInPlace)
 
 TEST(Crackle, StaysInsideItsBuffers)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const Flush flush : {Flush::ToStart, Flush::ToEnd}) {
             for (const u32 width : {4u, 16u, 37u}) {
                 for (const u32 kind : kKinds) {
-                    SCOPE(NameOf(target), int(flush), width, kind);
+                    SCOPE(int(flush), width, kind);
                     const u32 stride = 3 * width + 2;
                     GuardedBuffer source(size_t(stride) * 5 + 3 * width, flush, 120);
                     GuardedBuffer destination(size_t(stride) * 5 + 3 * width, flush, 9);
@@ -132,7 +129,7 @@ TEST(Crackle, StaysInsideItsBuffers)
                 }
             }
         }
-    }
+    });
 }
 
 // ---- Refusals ----

@@ -116,15 +116,14 @@ TEST(OilPaintRGB, TheLargestWindowsOfWhite)
 // Every count of levels, as whole vectors of keys are looked at.
 TEST(OilPaintRGB, EveryNumberOfLevelsEqualsPlain)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (u32 levels = 0; levels <= 255; ++levels) {
             for (const u32 radius : {2u, 9u}) {
-                SCOPE(NameOf(target), levels, radius);
+                SCOPE(levels, radius);
                 ArtisticComparison(OilPaint(radius, levels, ZLV40_OIL_PAINT_BLEND), {12, 6, 0}).Expect(0, false);
             }
         }
-    }
+    });
 }
 
 // Means by reciprocals: every sum that a window may have with every count.

@@ -15,15 +15,13 @@ constexpr u32 kSizes = 13;  // 0 to 12: every element, and one number beyond
 
 TEST(SegmentedColorize, EveryTargetEqualsPlain)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         for (u32 mode = 0; mode < kModes; ++mode) {
             for (const u32 width : {40u, 61u, 71u, 130u}) {
                 for (const u32 size : {0u, 2u, 3u, 5u}) ExpectPlain({width, 17, 8, mode, size});
             }
         }
-    }
+    });
 }
 
 TEST(SegmentedColorize, EveryModeAndFilterSizeEqualsPlain)
@@ -185,12 +183,11 @@ TEST(SegmentedColorize, BoundariesBehindTheLastWholeByteLandOnTheRowsFirstPixels
 
 TEST(SegmentedColorize, StaysInsideItsBuffers)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const Flush flush : {Flush::ToStart, Flush::ToEnd}) {
             for (const u32 width : {1u, 8u, 13u, 64u, 77u}) {
                 for (u32 mode = 0; mode < kModes; ++mode) {
-                    SCOPE(NameOf(target), int(flush), width, mode);
+                    SCOPE(int(flush), width, mode);
                     GuardedBuffer source(size_t(width) * 3 * 5, flush), image(size_t(width + 2) * 4 + width, flush);
                     GuardedBuffer palette(1024, flush);
                     const Bytes picture = PatchedPicture(width, 5, width);
@@ -201,7 +198,7 @@ TEST(SegmentedColorize, StaysInsideItsBuffers)
                 }
             }
         }
-    }
+    });
 }
 
 TEST(SegmentedColorize, TheSourcesStrideAndTheReservedNumberAreIgnored)

@@ -63,10 +63,9 @@ TEST(UnpackBits, IsThePackingBackwards)
 
 TEST(Create1BitMask, EveryTargetEqualsPlain)
 {
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const u32 width : {1u, 7u, 8u, 9u, 16u, 37u, 63u, 64u, 65u, 72u, 127u, 191u, 200u}) {
-            SCOPE(zlvtest::NameOf(target), width);
+            SCOPE(width);
             const u32 stride = width + 2, maskStride = (width + 7) / 8 + 1;
             const Bytes plane = FewValues(size_t(stride) * 5, width);
             Bytes wanted(size_t(maskStride) * 5, 0xA5), got(size_t(maskStride) * 5, 0xA5);
@@ -74,7 +73,7 @@ TEST(Create1BitMask, EveryTargetEqualsPlain)
             EXPECT_EQ(MV40_Create1BitMaskFromColor(plane.data(), width, 5, stride, got.data(), maskStride, 5, 0), 1u);
             EXPECT_EQ(got, wanted);
         }
-    }
+    });
 }
 
 TEST(Create1BitMask, TenPixelsTakeTwoBytesWithSixZeros)
@@ -95,10 +94,9 @@ TEST(Create1BitMask, TheLeftmostPixelIsTheTopBit)
 
 TEST(SetColorFrom1BitMask, EveryTargetEqualsPlain)
 {
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const u32 width : {1u, 7u, 8u, 9u, 16u, 37u, 63u, 64u, 65u, 72u, 127u, 191u, 200u}) {
-            SCOPE(zlvtest::NameOf(target), width);
+            SCOPE(width);
             const u32 stride = width + 2, maskStride = (width + 7) / 8 + 1;
             const Bytes mask = zlvtest::RandomBytes(size_t(maskStride) * 5, width);
             Bytes wanted = zlvtest::RandomBytes(size_t(stride) * 5, 2);
@@ -107,7 +105,7 @@ TEST(SetColorFrom1BitMask, EveryTargetEqualsPlain)
             EXPECT_EQ(MV40_SetColorFrom1BitMask(mask.data(), width, 5, maskStride, got.data(), stride, 200, 0), 1u);
             EXPECT_EQ(got, wanted);
         }
-    }
+    });
 }
 
 TEST(SetColorFrom1BitMask, AnEmptyMaskChangesNothing)

@@ -28,12 +28,11 @@ std::vector<T> RandomSamples(size_t count, u64 seed)
 TEST(ImageToGray, EveryTargetEqualsPlain)
 {
     ForBothWidths([]<class T>() {
-        for (const zlv::Target target : zlvtest::RunnableTargets()) {
-            const zlvtest::ScopedTarget scoped(target);
+        zlvtest::OnEveryTarget([&] {
             for (const u32 channels : {3u, 4u}) {
                 for (const u32 width : {1u, 2u, 15u, 31u, 32u, 33u, 34u, 65u, 66u, 100u, 131u}) {
                     for (const u32 flags : {0u, kGrayFromBgr}) {
-                        SCOPE(zlvtest::NameOf(target), channels, width, flags);
+                        SCOPE(channels, width, flags);
                         const u32 stride = width * channels + 3, grayStride = width + 5;
                         const std::vector<T> image = RandomSamples<T>(size_t(stride) * 4, width);
                         std::vector<T> wanted = RandomSamples<T>(size_t(grayStride) * 4, 1);
@@ -46,7 +45,7 @@ TEST(ImageToGray, EveryTargetEqualsPlain)
                     }
                 }
             }
-        }
+        });
     });
 }
 
@@ -54,8 +53,7 @@ TEST(ImageToGray, TheEndsOfTheRangeAreExact)
 {
     ForBothWidths([]<class T>() {
         constexpr T kMost = T(~T(0));
-        for (const zlv::Target target : zlvtest::RunnableTargets()) {
-            const zlvtest::ScopedTarget scoped(target);
+        zlvtest::OnEveryTarget([&] {
             std::vector<T> image(3 * 3 * 40);
             for (u32 x = 0; x < 120; ++x) {
                 for (u32 c = 0; c < 3; ++c) image[x * 3 + c] = (x >> c & 1) ? kMost : T(0);
@@ -66,7 +64,7 @@ TEST(ImageToGray, TheEndsOfTheRangeAreExact)
             EXPECT_EQ(got, wanted);
             EXPECT_EQ(got[7], kMost);  // white: the weights add up to 1024
             EXPECT_EQ(got[8], 0);
-        }
+        });
     });
 }
 
@@ -84,12 +82,11 @@ TEST(ImageToGray, ByHand)
 TEST(ImageToGray, StaysInsideItsBuffers)
 {
     using zlvtest::Flush;
-    for (const zlv::Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const u32 channels : {3u, 4u}) {
             for (const u32 width : {1u, 31u, 32u, 33u, 34u, 64u, 66u}) {
                 for (const Flush flush : {Flush::ToStart, Flush::ToEnd}) {
-                    SCOPE(zlvtest::NameOf(target), channels, width, int(flush));
+                    SCOPE(channels, width, int(flush));
                     zlvtest::GuardedBuffer image(size_t(width) * channels, flush, 7), gray(width, flush);
                     EXPECT_EQ(MV40_ImageToGrayScale8Bit(image.Data(), width, 1, channels, width * channels, gray.Data(),
                                                         width, 0),
@@ -97,7 +94,7 @@ TEST(ImageToGray, StaysInsideItsBuffers)
                 }
             }
         }
-    }
+    });
 }
 
 TEST(ImageToGray, ReportsRowsAndCancels)

@@ -92,13 +92,12 @@ const struct {
 TEST(Convolution, EveryTargetEqualsPlain)
 {
     ForBothWidths([]<class T>() {
-        for (const zlv::Target target : zlvtest::RunnableTargets()) {
-            const zlvtest::ScopedTarget scoped(target);
+        zlvtest::OnEveryTarget([&] {
             for (const auto& row : kKernels) {
                 for (const auto& [kernelWidth, kernelHeight] :
                      {std::pair{1, 1}, {3, 3}, {5, 5}, {7, 1}, {1, 9}, {3, 5}}) {
                     for (const u32 width : {1u, 2u, 15u, 64u, 67u}) {
-                        SCOPE(zlvtest::NameOf(target), row.shows, kernelWidth, kernelHeight, width);
+                        SCOPE(row.shows, kernelWidth, kernelHeight, width);
                         const PlainKernel kernel =
                             RandomKernel(size_t(kernelWidth), size_t(kernelHeight), width, row.scale, row.entry);
                         ExpectPlain<T>({width, 6, 1, 3}, kernel, 1 | kPlainSum, width);
@@ -106,7 +105,7 @@ TEST(Convolution, EveryTargetEqualsPlain)
                     }
                 }
             }
-        }
+        });
     });
 }
 
@@ -141,36 +140,34 @@ TEST(Convolution, AWindowLargerThanTheImageEqualsPlain)
 TEST(Convolution, TheLargestSumsOfIntegersAreExact)
 {
     ForBothWidths([]<class T>() {
-        for (const zlv::Target target : zlvtest::RunnableTargets()) {
-            const zlvtest::ScopedTarget scoped(target);
+        zlvtest::OnEveryTarget([&] {
             // Up to 32767 for words and 8421504 for bytes, the absolute weights fit; one above they do not.
             for (const f64 weight : {32767.0, 32766.0, 16383.5, 32768.0, -32767.0, -16384.0}) {
                 for (const f64 scale : {1 / 32767.0, -1 / 32767.0, 1e-9, 1.0}) {
-                    SCOPE(zlvtest::NameOf(target), weight, scale);
+                    SCOPE(weight, scale);
                     const PlainKernel kernel = {3, 1, {0, weight, 0.0}, scale};
                     ExpectPlain<T>({40, 3, 1, 0}, kernel, 1 | kPlainSum, 5);
                     ExpectPlain<T>({40, 3, 1, 0}, kernel, 1, 5);
                     ExpectPlain<T>({40, 3, 1, 0}, {3, 1, {weight, weight, -weight}, scale}, 1 | kPlainSum, 5);
                 }
             }
-        }
+        });
     });
 }
 
 TEST(Convolution, WhatIsNoNumberOrInfiniteIsDefined)
 {
-    for (const zlv::Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const f64 odd : {kNaN, kInfinity, -kInfinity, 1e308, -1e308, 1e19, 5e-324}) {
             for (const u32 flags : {1u, 1u | kPlainSum}) {
-                SCOPE(zlvtest::NameOf(target), odd, flags);
+                SCOPE(odd, flags);
                 ExpectPlain<u8>({70, 3, 1, 0}, {3, 1, {0, odd, 0}, 1.0}, flags, 1);
                 ExpectPlain<u8>({70, 3, 1, 0}, {3, 1, {1, 2, 0.1}, odd}, flags, 1);
                 ExpectPlain<u8>({70, 3, 1, 0}, {3, 1, {1, 2, 1}, odd}, flags, 1);
                 ExpectPlain<u16>({70, 3, 1, 0}, {3, 1, {odd, 1, -odd}, 1.0}, flags, 1);
             }
         }
-    }
+    });
 }
 
 // One row of samples, a kernel of one row.
@@ -220,9 +217,7 @@ TEST(Convolution, SumsGoInTheOrderOfTheKernel)
 {
     constexpr f64 kLarge = 9007199254740992.0;
     const f64 ordered[] = {kLarge, 1, -kLarge}, other[] = {kLarge, -kLarge, 1};
-    for (const zlv::Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
-        SCOPE(zlvtest::NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         const Bytes ones(20, 1);
         Bytes out(20, 77);
         EXPECT_EQ(MV40_ApplyConvolutionFilterToImage(ones.data(), 20, 1, 1, 20, out.data(), 20, 3, 1, ordered, 1,
@@ -237,7 +232,7 @@ TEST(Convolution, SumsGoInTheOrderOfTheKernel)
                                                      1 | kPlainSum),
                   1u);
         EXPECT_EQ(out, Bytes(20, 1));
-    }
+    });
 }
 
 TEST(Convolution, StaysInsideItsBuffers)
@@ -245,14 +240,13 @@ TEST(Convolution, StaysInsideItsBuffers)
     using zlvtest::Flush;
     using zlvtest::GuardedBuffer;
     const PlainKernel kernels[] = {RandomKernel(5, 3, 1, 1, Fraction), RandomKernel(3, 5, 1, 1, SmallInteger)};
-    for (const zlv::Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const u32 bytesPerSample : {1u, 2u}) {
             for (const PlainKernel& kernel : kernels) {
                 for (const u32 width : {1u, 5u, 21u, 43u}) {
                     for (const Flush flush : {Flush::ToStart, Flush::ToEnd}) {
                         for (const u32 mask : {7u, 5u}) {
-                            SCOPE(zlvtest::NameOf(target), bytesPerSample, kernel.width, width, int(flush), mask);
+                            SCOPE(bytesPerSample, kernel.width, width, int(flush), mask);
                             const size_t rowBytes = size_t(width) * 3 * bytesPerSample;
                             GuardedBuffer src(rowBytes * 2, flush, 9), dst(rowBytes * 2, flush);
                             GuardedBuffer entries(kernel.entries.size() * sizeof(f64), flush);
@@ -267,7 +261,7 @@ TEST(Convolution, StaysInsideItsBuffers)
                 }
             }
         }
-    }
+    });
 }
 
 TEST(Convolution, ReportsAfterEachRow)

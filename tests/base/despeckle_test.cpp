@@ -58,40 +58,37 @@ void ExpectPlain(const Image& image, u32 mask, u32 kind)
 
 TEST(Despeckle, EveryTargetEqualsPlain)
 {
-    for (const zlv::Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const u32 width : {1u, 2u, 3u, 15u, 16u, 31u, 64u, 65u, 130u, 333u}) {
             for (const u32 height : {1u, 2u, 5u, 7u, 13u, 14u, 31u, 32u, 33u, 47u, 64u, 83u, 101u}) {
-                SCOPE(zlvtest::NameOf(target), width, height);
+                SCOPE(width, height);
                 ExpectPlain({width, height, 1, 3}, 1, (width + height) % 5);
             }
         }
-    }
+    });
 }
 
 TEST(Despeckle, EveryKindOfPictureEqualsPlain)
 {
-    for (const zlv::Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (u32 kind = 0; kind < 5; ++kind) {
-            SCOPE(zlvtest::NameOf(target), kind);
+            SCOPE(kind);
             ExpectPlain({300, 80, 3, 0}, 7, kind);
             ExpectPlain({260, 40, 4, 5}, 15, kind);
         }
-    }
+    });
 }
 
 TEST(Despeckle, EveryChannelCountAndMaskEqualsPlain)
 {
-    for (const zlv::Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const u32 channels : {1u, 2u, 3u, 4u, 5u, 8u, 9u, 31u, 32u}) {
             for (const u32 mask : {0u, 1u, 2u, 5u, 0x80000001u, 0xAAAAAAAAu, 0xFFFFFFFFu}) {
-                SCOPE(zlvtest::NameOf(target), channels, mask);
+                SCOPE(channels, mask);
                 ExpectPlain({37, 21, channels, 2}, mask, channels % 5);
             }
         }
-    }
+    });
 }
 
 TEST(Despeckle, OneChannelAfterTheOtherIsTheSame)
@@ -166,20 +163,19 @@ TEST(Despeckle, TheFrameOfZerosLowersTheEdges)
 
 TEST(Despeckle, StaysInsideItsBuffer)
 {
-    for (const zlv::Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const u32 width : {1u, 21u, 43u, 64u}) {
             for (const u32 height : {1u, 2u, 40u}) {
                 for (const zlvtest::Flush flush : {zlvtest::Flush::ToStart, zlvtest::Flush::ToEnd}) {
                     for (const i32 mask : {7, 2}) {
-                        SCOPE(zlvtest::NameOf(target), width, height, int(flush), mask);
+                        SCOPE(width, height, int(flush), mask);
                         zlvtest::GuardedBuffer buffer(size_t(width) * 3 * height, flush, 200);
                         EXPECT_EQ(MV40_DespeckleImage(buffer.Data(), width, height, 3, width * 3, mask), 1u);
                     }
                 }
             }
         }
-    }
+    });
 }
 
 TEST(Despeckle, ReportsEveryChannelOfThree)

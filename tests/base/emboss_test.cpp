@@ -75,11 +75,10 @@ TEST(Emboss, EqualsPlain)
 // Rows are done in blocks of 128 and 256 pixels.
 TEST(Emboss, EveryTargetEqualsPlain)
 {
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const u32 width : {4u, 19u, 129u, 130u, 131u, 257u, 258u, 259u, 400u}) {
             for (const bool hasTexture : {false, true}) {
-                SCOPE(zlvtest::NameOf(target), width, hasTexture);
+                SCOPE(width, hasTexture);
                 Scene scene = {width, 5};
                 scene.hasTexture = hasTexture;
                 ExpectPlain(scene);
@@ -87,7 +86,7 @@ TEST(Emboss, EveryTargetEqualsPlain)
                 ExpectPlain(scene);
             }
         }
-    }
+    });
 }
 
 TEST(Emboss, EveryLightEqualsPlain)

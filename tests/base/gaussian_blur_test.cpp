@@ -22,6 +22,7 @@ namespace {
 using zlvtest::Bytes;
 using zlvtest::Flush;
 using zlvtest::ForBothWidths;
+using zlvtest::ForTargetsAndWidths;
 using zlvtest::GuardedBuffer;
 using zlvtest::kWidthFlag;
 using zlvtest::ProgressRecorder;
@@ -89,16 +90,6 @@ std::vector<Report> BlurPlainly(const Shape& shape, const std::vector<T>& source
     return reports;
 }
 
-template <class Test>
-void OnEveryTarget(Test test)
-{
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
-        SCOPE(zlvtest::NameOf(target));
-        ForBothWidths(test);
-    }
-}
-
 template <class T>
 void ExpectEqualsPlain(const Shape& shape, Content content, f64 sigma, u32 flags)
 {
@@ -119,7 +110,7 @@ constexpr f64 kSigmas[] = {-1, 0, 0.3, 0.8, 0.99, 1.0, 1.3, 2, 3.7, 4.499999999,
 
 TEST(GaussianBlur, EqualsPlain)
 {
-    OnEveryTarget([]<class T>() {
+    ForTargetsAndWidths([]<class T>() {
         for (const Shape& shape : kShapes) {
             for (const f64 sigma : kSigmas) {
                 for (const Content content : {Content::Noise, Content::Shapes}) {
@@ -133,7 +124,7 @@ TEST(GaussianBlur, EqualsPlain)
 // Rows of every length around whole groups of columns, in samples and in pixels.
 TEST(GaussianBlur, EveryWidthEqualsPlain)
 {
-    OnEveryTarget([]<class T>() {
+    ForTargetsAndWidths([]<class T>() {
         for (u32 width = 7; width <= 70; ++width) {
             for (u32 channels = 1; channels <= 4; ++channels) {
                 for (const f64 sigma : {0.7, 1.2, 5.0}) {
@@ -147,7 +138,7 @@ TEST(GaussianBlur, EveryWidthEqualsPlain)
 
 TEST(GaussianBlur, TheDirectEngineOnDemandEqualsPlain)
 {
-    OnEveryTarget([]<class T>() {
+    ForTargetsAndWidths([]<class T>() {
         for (const Shape& shape : kShapes) {
             for (const f64 sigma : {0.0, 0.5, 1.0, 2.0, 4.5, 7.7, 40.0}) {
                 for (const u32 flags : {0u, kBlurTruncates}) {
@@ -168,7 +159,7 @@ TEST(GaussianBlur, TheTruncatingBitIsNothingToTheRecursion)
 
 TEST(GaussianBlur, WritesSelectedChannelsOnly)
 {
-    OnEveryTarget([]<class T>() {
+    ForTargetsAndWidths([]<class T>() {
         for (const u32 channels : {1u, 2u, 3u, 4u, 8u}) {
             for (const u32 mask : {0u, 1u, 2u, 5u, 0x6u, 0x80u, 0xFEu, 0xFFu}) {
                 for (const f64 sigma : {0.0, 0.7, 1.5, 9.0}) {
@@ -181,7 +172,7 @@ TEST(GaussianBlur, WritesSelectedChannelsOnly)
 
 TEST(GaussianBlur, LinesShorterThanTheRecursionLooksBackAreContinuedByTheirEnds)
 {
-    OnEveryTarget([]<class T>() {
+    ForTargetsAndWidths([]<class T>() {
         for (u32 width = 1; width <= 6; ++width) {
             for (u32 height = 1; height <= 6; ++height) {
                 for (const f64 sigma : {0.8, 1.0, 3.0, 4.5, 20.0}) {
@@ -194,7 +185,7 @@ TEST(GaussianBlur, LinesShorterThanTheRecursionLooksBackAreContinuedByTheirEnds)
 
 TEST(GaussianBlur, LargeSigmasAreDefined)
 {
-    OnEveryTarget([]<class T>() {
+    ForTargetsAndWidths([]<class T>() {
         for (const f64 sigma : {1e4, 1e6, 1e8, 1e20, 1e38}) {
             ExpectEqualsPlain<T>({90, 60, 1}, Content::Noise, sigma, 1);
             ExpectEqualsPlain<T>({5000, 3, 1}, Content::Noise, sigma, 1);
@@ -237,7 +228,7 @@ std::vector<T> Stripes(const Shape& shape, u32 rowHeight, u32 columnWidth, u32 o
 
 TEST(GaussianBlur, RepeatedLinesEqualPlain)
 {
-    OnEveryTarget([]<class T>() {
+    ForTargetsAndWidths([]<class T>() {
         for (const Shape& shape : {Shape{300, 40, 1}, Shape{200, 9, 3, 4, 2}, Shape{90, 100, 4},
                                    Shape{40, 200, 2, 1, 0}, Shape{3, 70, 3}, Shape{500, 1, 1}}) {
             for (const auto& [rowHeight, columnWidth] : {std::pair{1000u, 1000u}, std::pair{8u, 1u}, std::pair{1u, 9u},
@@ -290,7 +281,7 @@ TEST(GaussianBlur, FromSigmaFourAndAHalfOnItIsSinglePrecision)
 // The fit adds up to 1 within two thousandths a pass: up to a level at 8 bits, some more at 16.
 TEST(GaussianBlur, AFlatImageKeepsItsLevelUpToOne)
 {
-    OnEveryTarget([]<class T>() {
+    ForTargetsAndWidths([]<class T>() {
         for (const i32 level : {0, 1, 100, 200, 255, 30000}) {
             if (u32(level) > kTop<T>) continue;
             const i32 tolerance = level <= 255 ? 1 : level / 250;
@@ -307,7 +298,7 @@ TEST(GaussianBlur, AFlatImageKeepsItsLevelUpToOne)
 
 TEST(GaussianBlur, BlackStaysBlack)
 {
-    OnEveryTarget([]<class T>() {
+    ForTargetsAndWidths([]<class T>() {
         for (const f64 sigma : {0.5, 2.0, 8.0}) {
             const std::vector<T> source(30 * 30, T(0));
             std::vector<T> got(source.size(), T(77));
@@ -361,7 +352,7 @@ TEST(GaussianBlur, SigmaZeroAndBelowCopies)
 
 TEST(GaussianBlur, TheRecursionWorksInPlace)
 {
-    OnEveryTarget([]<class T>() {
+    ForTargetsAndWidths([]<class T>() {
         for (const bool isReporting : {false, true}) {
             for (const f64 sigma : {1.5, 6.0}) {
                 const Shape shape = {45, 50, 3, 2, 2};
@@ -393,7 +384,7 @@ TEST(GaussianBlur, NoChannelBitIsNothingToDo)
 
 TEST(GaussianBlur, ReadsAndWritesNothingOutsideTheImages)
 {
-    OnEveryTarget([]<class T>() {
+    ForTargetsAndWidths([]<class T>() {
         for (const Shape& shape : {Shape{7, 9, 3, 2, 1}, Shape{33, 34, 1}, Shape{1, 1, 4}, Shape{70, 3, 2, 0, 5}}) {
             // The padding of the last row is not the image's.
             const size_t sourceSize = size_t(shape.SourceStride()) * shape.height - shape.sourcePadding;
@@ -417,7 +408,7 @@ TEST(GaussianBlur, ReadsAndWritesNothingOutsideTheImages)
 // A row or column a report, in order, with the same result as without anybody listening.
 TEST(GaussianBlur, ReportsEveryLineOfTheRecursionAndEachDirectPass)
 {
-    OnEveryTarget([]<class T>() {
+    ForTargetsAndWidths([]<class T>() {
         for (const f64 sigma : {0.8, 2.0, 6.0}) {
             for (const u32 mask : {1u, 5u, 7u}) {
                 SCOPE(sigma, mask);

@@ -67,33 +67,31 @@ constexpr u32 kWidths[] = {1, 2, 3, 15, 16, 33, 64, 65, 127, 260};
 
 TEST(GrayMorphology, FlatElementsOnEveryTargetEqualPlain)
 {
-    for (const zlv::Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const u32 side : {1u, 3u, 5u, 7u, 9u, 15u, 17u, 33u}) {
             for (const u32 width : kWidths) {
                 for (const u32 height : {1u, 2u, 7u, 20u}) {
-                    SCOPE(zlvtest::NameOf(target), side, width, height);
+                    SCOPE(side, width, height);
                     ExpectPlain({width, height, 3}, Entries(size_t(side) * side, side % 4 - 2), side, width);
                 }
             }
         }
-    }
+    });
 }
 
 TEST(GrayMorphology, OtherElementsOnEveryTargetEqualPlain)
 {
-    for (const zlv::Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const u32 side : {3u, 5u, 7u, 11u}) {
             for (const u32 limit : {2u, 60u, 300u}) {
                 for (const u32 width : kWidths) {
-                    SCOPE(zlvtest::NameOf(target), side, limit, width);
+                    SCOPE(side, limit, width);
                     ExpectPlain({width, 9, 2}, RandomEntries(side, limit, width), side, width);
                     ExpectPlain({width, 9, 2}, RandomEntries(side, limit, width, u32(-20)), side, width);
                 }
             }
         }
-    }
+    });
 }
 
 TEST(GrayMorphology, AWindowLargerThanTheImageEqualsPlain)
@@ -129,16 +127,15 @@ TEST(GrayMorphology, LargeEntriesReachTheEndsOfTheRange)
 
 TEST(GrayMorphology, EverySampleWithEveryEntryEqualsPlain)
 {
-    for (const zlv::Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         Bytes all(256);
         for (u32 i = 0; i < 256; ++i) all[i] = u8(i);
         for (i32 entry = -257; entry < 258; ++entry) {
-            SCOPE(zlvtest::NameOf(target), entry);
+            SCOPE(entry);
             ExpectPlain({256, 1, 0}, {u32(entry)}, 1, all);
             ExpectPlain({256, 1, 0}, {0, 0, 0, 0, u32(entry), 0, 0, 0, 0}, 3, all);
         }
-    }
+    });
 }
 
 const struct {
@@ -184,13 +181,12 @@ TEST(GrayMorphology, StaysInsideItsBuffers)
 {
     using zlvtest::Flush;
     using zlvtest::GuardedBuffer;
-    for (const zlv::Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const auto& function : kFunctions) {
             for (const Entries& element : {Entries(25, 1), RandomEntries(5, 9, 1)}) {
                 for (const u32 width : {1u, 17u, 64u, 129u}) {
                     for (const Flush flush : {Flush::ToStart, Flush::ToEnd}) {
-                        SCOPE(zlvtest::NameOf(target), function.name, element[1], width, int(flush));
+                        SCOPE(function.name, element[1], width, int(flush));
                         GuardedBuffer src(size_t(width) * 3, flush, 9), dst(size_t(width) * 3, flush);
                         GuardedBuffer entries(element.size() * sizeof(u32), flush);
                         std::memcpy(entries.Data(), element.data(), entries.Size());
@@ -201,7 +197,7 @@ TEST(GrayMorphology, StaysInsideItsBuffers)
                 }
             }
         }
-    }
+    });
 }
 
 TEST(GrayMorphology, ReportsAfterEachRow)

@@ -183,11 +183,10 @@ TEST(BrightnessEqualize, EqualsPlain)
 // Rows are done in blocks of 128 pixels.
 TEST(BrightnessEqualize, EveryTargetEqualsPlain)
 {
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const u32 channels : {3u, 4u}) {
             for (const u32 width : {1u, 2u, 7u, 127u, 128u, 129u, 300u}) {
-                SCOPE(zlvtest::NameOf(target), channels, width);
+                SCOPE(channels, width);
                 Picture<u8> wanted(width, 6, channels, 5, width);
                 Picture<u8> got = wanted;
                 PlainEqualizeBrightness(wanted.samples.data(), wanted.shape, 50, 200);
@@ -197,7 +196,7 @@ TEST(BrightnessEqualize, EveryTargetEqualsPlain)
                 EXPECT_EQ(got.samples, wanted.samples);
             }
         }
-    }
+    });
 }
 
 TEST(BrightnessEqualize, ARangeThatNoPixelFallsInDarkensEachByItsBrightness)

@@ -91,9 +91,7 @@ TEST(MergeRGBA, TheTableDeviatesInTwelvePlaces)
 
 TEST(MergeRGBA, EveryPairOfAlphasIsCompositedExactly)
 {
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
-        SCOPE(zlvtest::NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         Bytes base = zlvtest::RandomBytes(65536 * 4, 1), overlay = zlvtest::RandomBytes(65536 * 4, 2);
         for (u32 i = 0; i < 65536; ++i) {
             base[i * 4 + 3] = u8(i);
@@ -103,7 +101,7 @@ TEST(MergeRGBA, EveryPairOfAlphasIsCompositedExactly)
         for (u32 i = 0; i < 65536; ++i) PlainMergePixel(&wanted[i * 4], &overlay[i * 4], overlay[i * 4 + 3], 4, true);
         EXPECT_EQ(MV40_MergeRGBA(base.data(), 256, 256, 4, 1024, overlay.data(), 256, 256, 1024, 0, 0, 1, 4), 1u);
         EXPECT_EQ(zlvtest::Difference(wanted.data(), base.data(), base.size()), "");
-    }
+    });
 }
 
 // One pixel by hand; the overlay is 200, 100, 50 with its alpha.
@@ -250,8 +248,7 @@ TEST(AlphaBlendColor, OtherNumbersOfChannelsPaintNothing)
 
 TEST(AlphaBlendColor, AMaskInTheBaseItselfIsReadPixelAfterPixel)
 {
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const u32 channels : {3u, 4u}) {
             Bytes base = zlvtest::RandomBytes(400, 8);
             Bytes wanted = base;
@@ -262,7 +259,7 @@ TEST(AlphaBlendColor, AMaskInTheBaseItselfIsReadPixelAfterPixel)
                       1u);
             EXPECT_EQ(zlvtest::Difference(wanted.data(), base.data(), 400), "");
         }
-    }
+    });
 }
 
 // Each call answers 1, or 0 with its code, and writes nothing.

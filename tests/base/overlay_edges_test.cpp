@@ -10,6 +10,7 @@ namespace zlv {
 namespace {
 
 using zlvtest::Bytes;
+using zlvtest::ForTargetsAndWidths;
 using zlvtest::Rows;
 
 constexpr f64 kNaN = std::numeric_limits<f64>::quiet_NaN();
@@ -126,15 +127,14 @@ TEST(OverlayImage, NeedsNoMemory)
 
 TEST(OverlayImage, PartsOfOnePictureMayLieSideBySide)
 {
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         Bytes picture = zlvtest::RandomBytes(200 * 4, 3);
         Bytes wanted = picture;
         PlainOverlay<u8>({wanted.data(), 100, 4, 1, 200}, {wanted.data() + 100, 100, 4, 1, 200}, 0, 0, {1, 0, 4}, 4);
         EXPECT_EQ(
             MV40_OverlayImage(picture.data(), 100, 4, 1, 200, picture.data() + 100, 100, 4, 200, 0, 0, 1, 0, 4, 0), 1u);
         EXPECT_EQ(picture, wanted);
-    }
+    });
 }
 
 TEST(OverlayImage, OverlappingRowsAreBlendedSampleAfterSample)

@@ -98,17 +98,6 @@ inline constexpr Placement kPlacements[] = {
 template <class T>
 inline constexpr u32 kWordFlag = sizeof(T) == 2 ? kOverlaySixteenBit : 0;
 
-// Runs a callable for every target and both sample widths.
-template <class Test>
-void ForTargetsAndWidths(Test test)
-{
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
-        SCOPE(zlvtest::NameOf(target));
-        zlvtest::ForBothWidths(test);
-    }
-}
-
 template <class T>
 u32 CallOverlay(GuardedLayer<T>& base, GuardedLayer<T>& overlay, i32 x, i32 y, const PlainBlend& blend, u32 flags = 0)
 {

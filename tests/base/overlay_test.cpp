@@ -12,6 +12,7 @@ namespace zlv {
 namespace {
 
 using zlvtest::Bytes;
+using zlvtest::ForTargetsAndWidths;
 
 constexpr f64 kInfinity = std::numeric_limits<f64>::infinity();
 
@@ -210,10 +211,9 @@ const struct {
 
 TEST(OverlayImage, ByHand)
 {
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const auto& row : kSamples) {
-            SCOPE(zlvtest::NameOf(target), row.shows);
+            SCOPE(row.shows);
             Bytes base(67, row.d);
             const Bytes overlay(67, row.s);
             EXPECT_EQ(MV40_OverlayImage(base.data(), 67, 1, 1, 67, overlay.data(), 67, 1, 67, 0, 0, row.opacity,
@@ -221,13 +221,12 @@ TEST(OverlayImage, ByHand)
                       1u);
             EXPECT_EQ(base, Bytes(67, row.result));
         }
-    }
+    });
 }
 
 TEST(OverlayImage, AWordDodgeFromTwoToThePowerOf31PassesUnlimited)
 {
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         // Divided by 1: 32768 * 65535 is below 2^31, 32769 * 65535 is above, and its low bits are 65536 - 32769.
         std::vector<u16> base = {32768, 32769, 65535, 65535, 65535};
         const std::vector<u16> overlay = {65534, 65534, 65534, 65533, 65535};
@@ -235,7 +234,7 @@ TEST(OverlayImage, AWordDodgeFromTwoToThePowerOf31PassesUnlimited)
             MV40_OverlayImage(base.data(), 5, 1, 1, 5, overlay.data(), 5, 1, 5, 0, 0, 1, 0, 20, kOverlaySixteenBit),
             1u);
         EXPECT_EQ(base, (std::vector<u16>{65535, 32767, 1, 65535, 65535}));
-    }
+    });
 }
 
 TEST(OverlayImage, AFlippedCopyReadsRowsUpwardsAndFromTheirFirstPixel)

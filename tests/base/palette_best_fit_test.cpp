@@ -36,14 +36,12 @@ Bytes Twin(const TestPicture& picture, const Bytes& palette, u32 colors, u32 fla
 void ExpectPlain(const TestPicture& picture, const Bytes& palette, u32 colors, u32 flags)
 {
     const Bytes wanted = Twin(picture, palette, colors, flags);
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
-        SCOPE(zlvtest::NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         Bytes got = Indices(picture);
         EXPECT_EQ(Map(picture, got, palette, colors, flags), 1u);
         EXPECT_EQ(MV40_GetLastError(), 0u);
         EXPECT_EQ(zlvtest::Difference(wanted.data(), got.data(), got.size()), "");
-    }
+    });
 }
 
 TEST(BestFit, EveryPaletteEqualsPlain)
@@ -132,12 +130,11 @@ TEST(BestFit, OtherFlagsChangeNothing)
 
 TEST(BestFit, StaysInsideItsBuffers)
 {
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const zlvtest::Flush flush : {zlvtest::Flush::ToStart, zlvtest::Flush::ToEnd}) {
             for (const u32 width : {1u, 21u, 200u}) {
                 for (const u32 colors : {1u, 3u, 17u, 256u}) {
-                    SCOPE(zlvtest::NameOf(target), int(flush), width, colors);
+                    SCOPE(int(flush), width, colors);
                     const u32 height = width;
                     zlvtest::GuardedBuffer source(size_t(width) * 3 * height, flush, 90);
                     zlvtest::GuardedBuffer destination(size_t(width) * height, flush, 255);
@@ -150,7 +147,7 @@ TEST(BestFit, StaysInsideItsBuffers)
                 }
             }
         }
-    }
+    });
 }
 
 // Every pixel tells the row: a row comes as many times as it is wide.

@@ -42,14 +42,12 @@ Bytes Twin(const TestPicture& picture, const Bytes& palette, const Settings& set
 void ExpectPlain(const TestPicture& picture, const Bytes& palette, const Settings& settings)
 {
     const Bytes wanted = Twin(picture, palette, settings);
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
-        SCOPE(zlvtest::NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         Bytes got = Indices(picture);
         EXPECT_EQ(Map(picture, got, palette, settings), 1u);
         EXPECT_EQ(MV40_GetLastError(), 0u);
         EXPECT_EQ(zlvtest::Difference(wanted.data(), got.data(), got.size()), "");
-    }
+    });
 }
 
 TEST(PaletteDither, EveryPictureAndPaletteEqualsPlain)
@@ -190,12 +188,11 @@ TEST(PaletteDither, ErrorsBeyondTheLimitAreCut)
 
 TEST(PaletteDither, StaysInsideItsBuffers)
 {
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const zlvtest::Flush flush : {zlvtest::Flush::ToStart, zlvtest::Flush::ToEnd}) {
             for (const u32 width : {1u, 2u, 21u}) {
                 for (const u32 colors : {1u, 3u, 256u}) {
-                    SCOPE(zlvtest::NameOf(target), int(flush), width, colors);
+                    SCOPE(int(flush), width, colors);
                     zlvtest::GuardedBuffer source(size_t(width) * 3 * 5, flush, 90);
                     zlvtest::GuardedBuffer destination(size_t(width) * 5, flush, 255);
                     zlvtest::GuardedBuffer palette(size_t(colors) * 4, flush, 80);
@@ -207,7 +204,7 @@ TEST(PaletteDither, StaysInsideItsBuffers)
                 }
             }
         }
-    }
+    });
 }
 
 TEST(PaletteDither, ReportsEveryRow)

@@ -58,15 +58,13 @@ void ExpectPlain(const TestPicture& picture, const Settings& settings)
 {
     Result wanted(picture);
     Twin(picture, wanted, settings);
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
-        SCOPE(zlvtest::NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         Result got(picture);
         EXPECT_EQ(Quantize(picture, got, settings), 1u);
         EXPECT_EQ(MV40_GetLastError(), 0u);
         EXPECT_EQ(zlvtest::Difference(wanted.palette.data(), got.palette.data(), 1024), "");
         EXPECT_EQ(zlvtest::Difference(wanted.indices.data(), got.indices.data(), got.indices.size()), "");
-    }
+    });
 }
 
 TEST(Quantize, EveryPictureAndCountEqualsPlain)

@@ -44,64 +44,55 @@ bool IsGrowing(const ResizeCase& c) { return c.sourceWidth < c.destWidth || c.so
 
 TEST(Resize, EveryModeAndSizeEqualsPlainOnEveryTarget)
 {
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
-        ForBothWidths([&]<class T>() {
-            for (u32 mode = 0; mode < zlvtest::kResizeModes; ++mode) {
-                if (!zlvtest::TakesMode<T>(mode)) continue;
-                for (const auto& row : kSizes) {
-                    for (const u32 channels : {1u, 3u}) {
-                        const ResizeCase c = {
-                            row.sourceWidth, row.sourceHeight, row.destWidth, row.destHeight, channels, 2, 3};
-                        if (zlvtest::ShrinksOnly(mode) && IsGrowing(c)) continue;
-                        SCOPE(zlvtest::NameOf(target), mode, row.shows, c);
-                        zlvtest::ExpectPlainResize<T>(c, mode, Picture::Noise);
-                    }
+    zlvtest::ForTargetsAndWidths([&]<class T>() {
+        for (u32 mode = 0; mode < zlvtest::kResizeModes; ++mode) {
+            if (!zlvtest::TakesMode<T>(mode)) continue;
+            for (const auto& row : kSizes) {
+                for (const u32 channels : {1u, 3u}) {
+                    const ResizeCase c = {
+                        row.sourceWidth, row.sourceHeight, row.destWidth, row.destHeight, channels, 2, 3};
+                    if (zlvtest::ShrinksOnly(mode) && IsGrowing(c)) continue;
+                    SCOPE(mode, row.shows, c);
+                    zlvtest::ExpectPlainResize<T>(c, mode, Picture::Noise);
                 }
             }
-        });
-    }
+        }
+    });
 }
 
 // Equal samples, sums that are whole numbers, results beyond the range: what decides between fast paths.
 TEST(Resize, EveryKindOfPictureEqualsPlainOnEveryTarget)
 {
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
-        ForBothWidths([&]<class T>() {
-            for (u32 mode = 0; mode < zlvtest::kResizeModes; ++mode) {
-                if (!zlvtest::TakesMode<T>(mode)) continue;
-                for (u32 kind = 0; kind < u32(Picture::Kinds); ++kind) {
-                    SCOPE(zlvtest::NameOf(target), mode, kind);
-                    const u64 seed = kind + mode;
-                    zlvtest::ExpectPlainResize<T>({80, 60, 40, 30, 3}, mode, Picture(kind), seed);
-                    zlvtest::ExpectPlainResize<T>({61, 50, 37, 20, 3}, mode, Picture(kind), seed);
-                    if (zlvtest::ShrinksOnly(mode)) continue;
-                    zlvtest::ExpectPlainResize<T>({40, 30, 60, 45, 3}, mode, Picture(kind), seed);
-                    zlvtest::ExpectPlainResize<T>({23, 19, 64, 64, 1}, mode, Picture(kind), seed);
-                }
+    zlvtest::ForTargetsAndWidths([&]<class T>() {
+        for (u32 mode = 0; mode < zlvtest::kResizeModes; ++mode) {
+            if (!zlvtest::TakesMode<T>(mode)) continue;
+            for (u32 kind = 0; kind < u32(Picture::Kinds); ++kind) {
+                SCOPE(mode, kind);
+                const u64 seed = kind + mode;
+                zlvtest::ExpectPlainResize<T>({80, 60, 40, 30, 3}, mode, Picture(kind), seed);
+                zlvtest::ExpectPlainResize<T>({61, 50, 37, 20, 3}, mode, Picture(kind), seed);
+                if (zlvtest::ShrinksOnly(mode)) continue;
+                zlvtest::ExpectPlainResize<T>({40, 30, 60, 45, 3}, mode, Picture(kind), seed);
+                zlvtest::ExpectPlainResize<T>({23, 19, 64, 64, 1}, mode, Picture(kind), seed);
             }
-        });
-    }
+        }
+    });
 }
 
 TEST(Resize, EveryChannelCountEqualsPlainOnEveryTarget)
 {
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
-        ForBothWidths([&]<class T>() {
-            for (u32 mode = 0; mode < zlvtest::kResizeModes; ++mode) {
-                if (!zlvtest::TakesMode<T>(mode)) continue;
-                for (const u32 channels : {2u, 4u, 5u, 6u, 8u, 33u, 100u}) {
-                    SCOPE(zlvtest::NameOf(target), mode, channels);
-                    zlvtest::ExpectPlainResize<T>({18, 14, 9, 7, channels, 1, 2}, mode, Picture::Noise);
-                    zlvtest::ExpectPlainResize<T>({18, 14, 12, 5, channels, 2, 1}, mode, Picture::Patches);
-                    if (zlvtest::ShrinksOnly(mode)) continue;
-                    zlvtest::ExpectPlainResize<T>({6, 7, 13, 9, channels, 0, 1}, mode, Picture::Noise);
-                }
+    zlvtest::ForTargetsAndWidths([&]<class T>() {
+        for (u32 mode = 0; mode < zlvtest::kResizeModes; ++mode) {
+            if (!zlvtest::TakesMode<T>(mode)) continue;
+            for (const u32 channels : {2u, 4u, 5u, 6u, 8u, 33u, 100u}) {
+                SCOPE(mode, channels);
+                zlvtest::ExpectPlainResize<T>({18, 14, 9, 7, channels, 1, 2}, mode, Picture::Noise);
+                zlvtest::ExpectPlainResize<T>({18, 14, 12, 5, channels, 2, 1}, mode, Picture::Patches);
+                if (zlvtest::ShrinksOnly(mode)) continue;
+                zlvtest::ExpectPlainResize<T>({6, 7, 13, 9, channels, 0, 1}, mode, Picture::Noise);
             }
-        });
-    }
+        }
+    });
 }
 
 TEST(Resize, ManyRandomSizesEqualPlain)
@@ -128,24 +119,21 @@ TEST(Resize, StaysInsideItsBuffersOnEveryTarget)
 {
     const ResizeCase sizes[] = {{66, 40, 33, 20, 3}, {41, 21, 23, 11, 1}, {30, 20, 45, 30, 3}, {2, 2, 40, 37, 4},
                                 {1, 1, 5, 5, 2},     {97, 3, 4, 4, 3},    {35, 35, 35, 35, 3}};
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
-        ForBothWidths([&]<class T>() {
-            for (u32 mode = 0; mode < zlvtest::kResizeModes; ++mode) {
-                for (const ResizeCase& c : sizes) {
-                    for (const auto flush : {zlvtest::Flush::ToStart, zlvtest::Flush::ToEnd}) {
-                        if (!zlvtest::TakesMode<T>(mode) || (zlvtest::ShrinksOnly(mode) && IsGrowing(c))) continue;
-                        SCOPE(zlvtest::NameOf(target), mode, c, int(flush));
-                        zlvtest::GuardedBuffer source(c.SourceCount() * sizeof(T), flush, 200);
-                        zlvtest::GuardedBuffer destination(c.DestCount() * sizeof(T), flush, 1);
-                        EXPECT_EQ(CallResize(c, mode, reinterpret_cast<const T*>(source.Data()),
-                                             reinterpret_cast<T*>(destination.Data())),
-                                  1u);
-                    }
+    zlvtest::ForTargetsAndWidths([&]<class T>() {
+        for (u32 mode = 0; mode < zlvtest::kResizeModes; ++mode) {
+            for (const ResizeCase& c : sizes) {
+                for (const auto flush : {zlvtest::Flush::ToStart, zlvtest::Flush::ToEnd}) {
+                    if (!zlvtest::TakesMode<T>(mode) || (zlvtest::ShrinksOnly(mode) && IsGrowing(c))) continue;
+                    SCOPE(mode, c, int(flush));
+                    zlvtest::GuardedBuffer source(c.SourceCount() * sizeof(T), flush, 200);
+                    zlvtest::GuardedBuffer destination(c.DestCount() * sizeof(T), flush, 1);
+                    EXPECT_EQ(CallResize(c, mode, reinterpret_cast<const T*>(source.Data()),
+                                         reinterpret_cast<T*>(destination.Data())),
+                              1u);
                 }
             }
-        });
-    }
+        }
+    });
 }
 
 // A cancel at every report there is: the twin stops there too.

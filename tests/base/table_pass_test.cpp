@@ -110,8 +110,7 @@ const struct {
 TEST(ApplyLUTsToImage, EveryTargetEqualsPlainOnAllShapes)
 {
     const Tables tables;
-    for (const zlv::Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const auto& row : kTableSets) {
             const std::vector<const void*> set = tables.Set(row.tables);
             const u32 channels = u32(set.size());
@@ -119,7 +118,7 @@ TEST(ApplyLUTsToImage, EveryTargetEqualsPlainOnAllShapes)
             for (const u32 width : {1u, 2u, 5u, 15u, 16u, 21u, 22u, 31u, 43u, 64u, 65u, 171u, 4100u}) {
                 for (const u32 padding : {0u, 1u, 7u}) {
                     for (const u32 height : {1u, 3u}) {
-                        SCOPE(zlvtest::NameOf(target), row.shows, width, padding, height);
+                        SCOPE(row.shows, width, padding, height);
                         const u32 stride = width * channels + padding;
                         Bytes wanted = zlvtest::RandomBytes(size_t(stride) * height, width * 31 + padding);
                         Bytes got = wanted;
@@ -131,27 +130,26 @@ TEST(ApplyLUTsToImage, EveryTargetEqualsPlainOnAllShapes)
                 }
             }
         }
-    }
+    });
 }
 
 TEST(ApplyLUTsToImage, EveryTargetStaysInsideTheBuffer)
 {
     const Tables tables;
-    for (const zlv::Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const auto& row : kTableSets) {
             const std::vector<const void*> set = tables.Set(row.tables);
             const u32 channels = u32(set.size());
             for (const u32 width : {1u, 13u, 70u, 129u}) {
                 for (const zlvtest::Flush flush : {zlvtest::Flush::ToStart, zlvtest::Flush::ToEnd}) {
-                    SCOPE(zlvtest::NameOf(target), row.shows, width, int(flush));
+                    SCOPE(row.shows, width, int(flush));
                     zlvtest::GuardedBuffer buffer(size_t(width) * channels * 2, flush);
                     EXPECT_EQ(MV40_ApplyLUTsToImage(buffer.Data(), width, 2, channels, width * channels, set.data(), 0),
                               1u);
                 }
             }
         }
-    }
+    });
 }
 
 TEST(ApplyLUTsToImage, EveryValueOfEveryExclusiveOrIsMapped)
@@ -353,12 +351,11 @@ TEST(ApplyLUTsToImage, InsideAnotherWorkerItNeverReports)
 
 TEST(TablePassKernels, XorMasksRepeatAfterTheirPeriod)
 {
-    for (const zlv::Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const size_t period : {size_t(1), size_t(3), size_t(5)}) {
             const Bytes masks = zlvtest::RandomBytes(period * kMaskBlock, period);
             for (size_t count : {0, 1, 63, 64, 65, 191, 192, 193, 400, 1001}) {
-                SCOPE(zlvtest::NameOf(target), period, count);
+                SCOPE(period, count);
                 Bytes wanted = zlvtest::RandomBytes(count, count);
                 Bytes got = wanted;
                 for (size_t i = 0; i < count; ++i) wanted[i] ^= masks[i % masks.size()];
@@ -366,19 +363,18 @@ TEST(TablePassKernels, XorMasksRepeatAfterTheirPeriod)
                 EXPECT_EQ(got, wanted);
             }
         }
-    }
+    });
 }
 
 TEST(TablePassKernels, MasksOfStepsRepeatAfterTheirPeriod)
 {
     const SteppedTable table = {{0, 60, 190}, {0, 255, 0}, {0, 0, 255}};
     const ByteTable entries = ThresholdTable(60, 190);
-    for (const zlv::Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const size_t period : {size_t(1), size_t(3), size_t(5)}) {
             const Bytes masks = zlvtest::RandomBytes(period * kMaskBlock, period);
             for (size_t count : {0, 1, 63, 64, 65, 191, 192, 193, 400, 1001}) {
-                SCOPE(zlvtest::NameOf(target), period, count);
+                SCOPE(period, count);
                 Bytes wanted = zlvtest::RandomBytes(count, count);
                 Bytes got = wanted;
                 for (size_t i = 0; i < count; ++i) {
@@ -389,7 +385,7 @@ TEST(TablePassKernels, MasksOfStepsRepeatAfterTheirPeriod)
                 EXPECT_EQ(got, wanted);
             }
         }
-    }
+    });
 }
 
 }  // namespace

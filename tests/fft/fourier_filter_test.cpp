@@ -54,16 +54,15 @@ TEST(FilterFFT, EveryKindAndTargetEqualsPlain)
         std::uint32_t width, height;
     } shapes[] = {{1, 1}, {1, 9}, {2, 2},   {3, 3},  {3, 8},   {4, 4},
                   {5, 2}, {8, 7}, {16, 16}, {33, 5}, {520, 3}, {1030, 2}};
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const int kind : kKinds) {
             for (const auto& [width, height] : shapes) {
-                SCOPE(zlvtest::NameOf(target), kind, width, height);
+                SCOPE(kind, width, height);
                 ExpectPlain(kind, width, height, {2.5, 3.25, 1.5, 0.75});
                 ExpectPlain(kind, width, height, {300, 0.5, 2, 4});
             }
         }
-    }
+    });
 }
 
 TEST(FilterFFT, WildParametersAreCarriedThrough)

@@ -45,12 +45,11 @@ void ExpectPlain(const Doubles& values, std::uint32_t width, std::uint32_t heigh
 
 TEST(MakeGrayscaleFromFFT, EveryTargetEqualsPlain)
 {
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const std::uint32_t width : {1u, 2u, 3u, 7u, 8u, 16u, 33u, 64u}) {
             for (const std::uint32_t height : {1u, 2u, 5u}) {
                 for (const std::uint32_t padding : {0u, 3u}) {
-                    SCOPE(zlvtest::NameOf(target), width, height, padding);
+                    SCOPE(width, height, padding);
                     Doubles values = zlvtest::RandomDoubles(2 * std::size_t(width) * height, width + height);
                     ExpectPlain(values, width, height, padding);
                     for (double& value : values) value *= 400;  // beyond samples, on both sides
@@ -58,34 +57,32 @@ TEST(MakeGrayscaleFromFFT, EveryTargetEqualsPlain)
                 }
             }
         }
-    }
+    });
 }
 
 TEST(MakeGrayscaleFromFFT, WildValuesAreWhatTheyAre)
 {
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const double wild : {kNotANumber, kInfinity, -kInfinity, 1e32, 2e32, -2e32, 1e200, 5e-324, -0.0}) {
             for (const std::size_t at : {0, 1, 30, 31, 66, 67}) {
-                SCOPE(zlvtest::NameOf(target), wild, at);
+                SCOPE(wild, at);
                 Doubles values = zlvtest::RandomDoubles(2 * 34, 9);
                 values[at] = wild;
                 ExpectPlain(values, 17, 2, 1);
                 ExpectPlain(Doubles(2 * 34, wild), 17, 2, 1);
             }
         }
-    }
+    });
 }
 
 // Zeros that are the smallest or the largest value: the first of them tells the sign.
 TEST(MakeGrayscaleFromFFT, ExtremesThatAreZeroKeepTheSignOfTheFirst)
 {
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const double side : {3.0, -3.0}) {
             for (const double first : {0.0, -0.0}) {
                 for (const std::size_t at : {0, 5, 20}) {
-                    SCOPE(zlvtest::NameOf(target), side, first, at);
+                    SCOPE(side, first, at);
                     Doubles values(2 * 40, side);
                     values[2 * at] = first;
                     values[2 * at + 2] = -first;
@@ -94,7 +91,7 @@ TEST(MakeGrayscaleFromFFT, ExtremesThatAreZeroKeepTheSignOfTheFirst)
                 }
             }
         }
-    }
+    });
 }
 
 TEST(MakeGrayscaleFromFFT, AConstantGridIsNear127)

@@ -38,11 +38,10 @@ private:
 
 TEST(DoFFT, EveryTargetEqualsPlainOnBytes)
 {
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const auto& [width, height] : kShapes) {
             for (const std::uint32_t padding : {0u, 5u}) {
-                SCOPE(zlvtest::NameOf(target), width, height, padding);
+                SCOPE(width, height, padding);
                 const std::uint32_t stride = width + padding;
                 const Bytes source = zlvtest::RandomBytes((height - 1) * stride + width, width + height);
                 Doubles wanted(2 * std::size_t(width) * height, 7);
@@ -53,15 +52,14 @@ TEST(DoFFT, EveryTargetEqualsPlainOnBytes)
                 EXPECT_EQ(zlvtest::DifferenceOfDoubles(wanted.data(), got.Values(), wanted.size()), "");
             }
         }
-    }
+    });
 }
 
 TEST(DoFFT, EveryTargetEqualsPlainOnDoubles)
 {
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const auto& [width, height] : kShapes) {
-            SCOPE(zlvtest::NameOf(target), width, height);
+            SCOPE(width, height);
             const std::uint32_t stride = width + 3;
             const Doubles source = zlvtest::RandomDoubles((height - 1) * stride + width, width + height);
             Doubles wanted(2 * std::size_t(width) * height, 7);
@@ -71,17 +69,16 @@ TEST(DoFFT, EveryTargetEqualsPlainOnDoubles)
             EXPECT_EQ(ZLV40_GetLastError(), 0u);
             EXPECT_EQ(zlvtest::DifferenceOfDoubles(wanted.data(), got.Values(), wanted.size()), "");
         }
-    }
+    });
 }
 
 // Zeros of both signs are among the values: a factor of 1 that were skipped would show in their signs.
 TEST(DoFFTInverse, EveryTargetEqualsPlain)
 {
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const auto& [width, height] : kShapes) {
             for (const Flush flush : {Flush::ToStart, Flush::ToEnd}) {
-                SCOPE(zlvtest::NameOf(target), width, height, int(flush));
+                SCOPE(width, height, int(flush));
                 Doubles wanted = zlvtest::RandomDoubles(2 * std::size_t(width) * height, width * 3 + height);
                 FencedGrid got(wanted, flush);
                 EXPECT_TRUE(PlainFourierGrid(false, width, height, wanted.data()).isDone);
@@ -90,16 +87,15 @@ TEST(DoFFTInverse, EveryTargetEqualsPlain)
                 EXPECT_EQ(zlvtest::DifferenceOfDoubles(wanted.data(), got.Values(), wanted.size()), "");
             }
         }
-    }
+    });
 }
 
 TEST(DoFFTInverse, CarriesWhatIsNoNumberThrough)
 {
     constexpr double kInfinity = std::numeric_limits<double>::infinity();
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const double wild : {std::numeric_limits<double>::quiet_NaN(), kInfinity, -kInfinity, 1e308, 5e-324}) {
-            SCOPE(zlvtest::NameOf(target), wild);
+            SCOPE(wild);
             Doubles wanted = zlvtest::RandomDoubles(2 * 32 * 16, 3);
             wanted[77] = wild;
             Doubles got = wanted;
@@ -107,7 +103,7 @@ TEST(DoFFTInverse, CarriesWhatIsNoNumberThrough)
             EXPECT_EQ(ZLV40_DoFFTInverse(32, 16, got.data()), 1u);
             EXPECT_EQ(zlvtest::DifferenceOfDoubles(wanted, got), "");
         }
-    }
+    });
 }
 
 // Of samples up to 255 that go there and back. The recurrence takes the sine of its step from 1 - cos, about
@@ -202,10 +198,9 @@ const struct {
 
 TEST(DoFFT, AFailingTransformShowsInTheLastErrorAlone)
 {
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const auto& row : kBadSizes) {
-            SCOPE(zlvtest::NameOf(target), row.shows);
+            SCOPE(row.shows);
             const Bytes source = zlvtest::RandomBytes(16 * 21, 1);
             Doubles wanted(2 * row.width * row.height + 2, 7), got = wanted;
             EXPECT_EQ(PlainFourierOfPicture(source.data(), row.width, row.height, 16, wanted.data()), row.error);
@@ -213,22 +208,21 @@ TEST(DoFFT, AFailingTransformShowsInTheLastErrorAlone)
             EXPECT_EQ(ZLV40_GetLastError(), row.error);
             EXPECT_EQ(zlvtest::DifferenceOfDoubles(wanted, got), "");
         }
-    }
+    });
 }
 
 TEST(DoFFTInverse, FailsWithSizesThatAreNoPowersOfTwo)
 {
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const auto& row : kBadSizes) {
-            SCOPE(zlvtest::NameOf(target), row.shows);
+            SCOPE(row.shows);
             Doubles wanted = zlvtest::RandomDoubles(2 * row.width * row.height + 2, 2), got = wanted;
             EXPECT_EQ(PlainFourierGrid(false, row.width, row.height, wanted.data()).error, row.error);
             EXPECT_EQ(ZLV40_DoFFTInverse(row.width, row.height, got.data()), 0u);
             EXPECT_EQ(ZLV40_GetLastError(), row.error);
             EXPECT_EQ(zlvtest::DifferenceOfDoubles(wanted, got), "");
         }
-    }
+    });
 }
 
 // Memory of the first pass is code 5, of the second code 1. A pass over lines of the same length needs nothing new.

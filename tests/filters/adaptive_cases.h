@@ -36,16 +36,6 @@ struct AdaptiveShape {
 
 inline bool GoOn(std::uint32_t, std::uint32_t) { return true; }
 
-template <class Test>
-void OnEveryTarget(Test test)
-{
-    for (const zlv::Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
-        test();
-    }
-}
-
 // While it lives, the client hears of progress, and may cancel.
 class ClientProgress {
 public:

@@ -158,9 +158,7 @@ struct Scene {
 
 TEST(BilateralDoubt, KernelsAreRightWhereTheyAreSure)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         Random random(8);
         size_t sure = 0, doubtful = 0;
         for (u32 round = 0; round < 600; ++round) {
@@ -189,7 +187,7 @@ TEST(BilateralDoubt, KernelsAreRightWhereTheyAreSure)
         }
         EXPECT_GT(sure, doubtful);
         EXPECT_GT(doubtful, 0u);
-    }
+    });
 }
 
 }  // namespace

@@ -17,9 +17,9 @@
 namespace zlv {
 namespace {
 
+using zlvtest::BaseWatch;
 using zlvtest::Bytes;
 using zlvtest::FailingCalls;
-using zlvtest::BaseWatch;
 using zlvtest::ProgressRecorder;
 using zlvtest::Report;
 
@@ -84,19 +84,9 @@ void ExpectPlain(const Shape& shape, Content content, const Filter& filter)
     EXPECT_EQ(zlvtest::Difference(wanted.data(), got.data(), got.size()), "");
 }
 
-template <class Test>
-void OnEveryTarget(Test test)
-{
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
-        SCOPE(zlvtest::NameOf(target));
-        test();
-    }
-}
-
 TEST(Bilateral, EveryTargetEqualsPlain)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const u32 flags : {kSquare, kSeparable}) {
             for (const u32 kind : {0u, 1u, 2u, 3u, 4u, 0xFFFFFFFFu}) {
                 for (const f64 sigma : {0.4, 3.0, 21.7, 400.0}) {
@@ -113,7 +103,7 @@ TEST(Bilateral, EveryTargetEqualsPlain)
 // Around whole groups of pixels, where the sides of the image fall on every place of them.
 TEST(Bilateral, EveryWidthEqualsPlain)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (u32 width = 3; width <= 150; ++width) {
             for (const u32 flags : {kSquare, kSeparable})
                 ExpectPlain({width, 4}, Content::Noise, {3, 0, 30, 1 | flags});
@@ -126,7 +116,7 @@ TEST(Bilateral, EveryWidthEqualsPlain)
 
 TEST(Bilateral, EveryHeightEqualsPlain)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (u32 height = 7; height <= 40; ++height) {
             for (const u32 flags : {kSquare, kSeparable})
                 ExpectPlain({9, height}, Content::Noise, {7, 0, 40, 1 | flags});
@@ -148,7 +138,7 @@ TEST(Bilateral, EveryChannelCountAndMaskEqualsPlain)
 // Large windows, where errors of single precision add up most.
 TEST(Bilateral, LargeWindowsEqualPlain)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const Content content : {Content::Noise, Content::Extremes, Content::FewLevels}) {
             for (const u32 kind : {0u, 2u, 3u}) {
                 ExpectPlain({47, 46}, content, {45, kind, 300, 1});
@@ -162,7 +152,7 @@ TEST(Bilateral, LargeWindowsEqualPlain)
 // the precision of the sums decide.
 TEST(Bilateral, AveragesBetweenTwoLevelsEqualPlain)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const f64 sigma : {20.0, 300.0, 0.1 * 7000}) {
             for (const u32 size : {3u, 5u, 7u, 9u}) {
                 for (const u32 flags : {kSquare, kSeparable}) {
@@ -329,7 +319,7 @@ TEST(Bilateral, RowsAboveAndBelowAreRead)
     const Bytes picture = zlvtest::RandomBytes(kWidth * kRows, 5);
     Bytes whole(picture.size());
     EXPECT_EQ(Smooth({kWidth, kRows}, picture.data(), whole.data(), kFilter), 1u);
-    OnEveryTarget([&] {
+    zlvtest::OnEveryTarget([&] {
         for (const u32 outside :
              {0u, u32(ZLV40_ROWS_ABOVE), u32(ZLV40_ROWS_BELOW), u32(ZLV40_ROWS_ABOVE | ZLV40_ROWS_BELOW)}) {
             SCOPE(outside);
@@ -369,7 +359,7 @@ TEST(Bilateral, OnlyTheSquareFormWithoutThreadsLooksForRowsOutside)
 
 TEST(Bilateral, StaysInsideItsBuffers)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const auto flush : {zlvtest::Flush::ToStart, zlvtest::Flush::ToEnd}) {
             for (const u32 flags : {kSquare, kSeparable, kThreads}) {
                 const Shape shape = {70, 9, 3, 4, 2};

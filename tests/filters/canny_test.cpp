@@ -17,9 +17,9 @@
 namespace zlv {
 namespace {
 
+using zlvtest::BaseWatch;
 using zlvtest::Bytes;
 using zlvtest::FailingCalls;
-using zlvtest::BaseWatch;
 using zlvtest::ProgressRecorder;
 using zlvtest::Report;
 
@@ -86,19 +86,9 @@ size_t ExpectPlain(const Shape& shape, Content content, const Detector& d)
     return size_t(std::count(got.begin(), got.end(), u8(0)));
 }
 
-template <class Test>
-void OnEveryTarget(Test test)
-{
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
-        SCOPE(zlvtest::NameOf(target));
-        test();
-    }
-}
-
 TEST(Canny, EveryTargetEqualsPlain)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         size_t edges = 0;
         for (const Content content : {Content::Noise, Content::Blocks, Content::Ramps, Content::Lines}) {
             for (const f64 sigma : {0.1, 0.5, 1.0, 1.4, 3.3, 12.0}) {
@@ -113,7 +103,7 @@ TEST(Canny, EveryTargetEqualsPlain)
 
 TEST(Canny, EverySizeEqualsPlain)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (u32 width = 1; width <= 80; ++width) {
             ExpectPlain({width, 11, 1, 0}, Content::Noise, {0.6, 0.3, 0.5});
             ExpectPlain({11, width, 0, 1}, Content::Lines, {0.6, 0.3, 0.5});
@@ -127,7 +117,7 @@ TEST(Canny, EverySizeEqualsPlain)
 // The kernel reaches out of the image on both sides at once.
 TEST(Canny, KernelsWiderThanTheImageEqualPlain)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const f64 sigma : {4.0, 10.0, 40.0, 500.0}) ExpectPlain({21, 17}, Content::Lines, {sigma, 0.3, 0.5});
     });
 }
@@ -215,7 +205,7 @@ TEST(Canny, TheDestinationMayBeTheSource)
 
 TEST(Canny, StaysInsideItsBuffers)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const auto flush : {zlvtest::Flush::ToStart, zlvtest::Flush::ToEnd}) {
             for (const u32 width : {3u, 15u, 16u, 17u, 50u, 64u}) {
                 const Shape shape = {width, 20, 2, 1};

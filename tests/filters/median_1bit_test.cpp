@@ -44,62 +44,52 @@ struct BitCall {
 
 TEST(MedianFilter1Bit, EveryTargetEqualsPlain)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         for (const u32 width : {1u, 2u, 7u, 8u, 9u, 31u, 63u, 64u, 65u, 127u, 128u, 129u, 200u}) {
             for (const u32 height : {1u, 2u, 5u, 12u}) {
                 for (const u32 size : {1u, 3u, 5u, 7u, 11u, 21u}) BitCall{width, height, size}.ExpectPlain();
             }
         }
-    }
+    });
 }
 
 TEST(MedianFilter1Bit, RareAndFrequentBitsEqualPlain)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         for (const u32 density : {0u, 1u, 60u, 110u, 146u, 200u, 255u, 256u}) {
             for (const u32 size : {3u, 5u, 9u}) BitCall{100, 20, size, 0, density}.ExpectPlain();
         }
-    }
+    });
 }
 
 TEST(MedianFilter1Bit, BlocksOfWordsMeetWithoutASeam)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         for (const u32 width : {4095u, 4096u, 4097u, 4160u, 4200u}) {
             for (const u32 size : {3u, 5u, 7u}) BitCall{width, 3, size}.ExpectPlain();
         }
-    }
+    });
 }
 
 TEST(MedianFilter1Bit, RandomSizesEqualPlain)
 {
     Random random(26);
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         for (u32 round = 0; round < 200; ++round) {
             BitCall{1 + random.Below(150), 1 + random.Below(20), random.Below(30), random.Below(4), random.Below(257)}
                 .ExpectPlain();
         }
-    }
+    });
 }
 
 // From 257 on a window has more pixels than 16 bits count; the last size is the largest that is taken.
 TEST(MedianFilter1Bit, WindowsThatCoverTheImageManyTimesEqualPlain)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         for (const u32 size : {61u, 253u, 255u, 257u, 301u, 1001u, 9999u, 46339u}) {
             for (const u32 width : {1u, 2u, 13u, 70u}) BitCall{width, 5, size}.ExpectPlain();
         }
-    }
+    });
 }
 
 TEST(MedianFilter1Bit, EvenSizesGrowAnd0Becomes1)
@@ -159,19 +149,18 @@ TEST(MedianFilter1Bit, PaddingBitsOfTheLastByteKeepTheirValue)
 
 TEST(MedianFilter1Bit, StaysInsideItsBuffers)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const Flush flush : {Flush::ToStart, Flush::ToEnd}) {
             for (const u32 width : {1u, 8u, 21u, 64u, 65u, 300u}) {
                 for (const u32 size : {1u, 3u, 5u, 7u, 99u}) {
-                    SCOPE(NameOf(target), int(flush), width, size);
+                    SCOPE(int(flush), width, size);
                     const u32 row = (width + 7) / 8;
                     GuardedBuffer src(size_t(row) * 4, flush, 200), dst(src.Size(), flush, 1);
                     EXPECT_EQ(ZLV40_MedianFilter1Bit(src.Data(), width, 4, row, dst.Data(), row, size), 1u);
                 }
             }
         }
-    }
+    });
 }
 
 }  // namespace

@@ -13,9 +13,7 @@ using namespace zlvtest;
 
 TEST(ConstantTimeMedian, EveryTargetEqualsPlain)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         for (const u32 width : {15u, 16u, 33u, 70u}) {
             for (const u32 height : {15u, 19u, 40u}) {
                 for (const i32 size : {3, 5, 7, 15}) {
@@ -32,14 +30,12 @@ TEST(ConstantTimeMedian, EveryTargetEqualsPlain)
                 }
             }
         }
-    }
+    });
 }
 
 TEST(ConstantTimeMedian, WindowsAsLargeAsTheImageEqualPlain)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         for (const i32 size : {3, 5, 7, 31, 127}) {
             for (u32 pads = 0; pads < 4; ++pads) {
                 const u32 side = u32(size);
@@ -47,39 +43,33 @@ TEST(ConstantTimeMedian, WindowsAsLargeAsTheImageEqualPlain)
                     .ExpectO1();
             }
         }
-    }
+    });
 }
 
 TEST(ConstantTimeMedian, TheLargestWindowEqualsPlain)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         // All samples on one side of a bin: counts reach 65025 there, and nothing is left for the others.
         for (const Kind kind : {Kind::Noise, Kind::NearTop, Kind::BlackAndWhite}) {
             MedianCall{.width = 257, .height = 256, .channels = 1, .filterSize = 255, .kind = kind}.ExpectO1();
         }
-    }
+    });
 }
 
 TEST(ConstantTimeMedian, TilesOfColumnsMeetWithoutASeam)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         for (u32 pads = 0; pads < 4; ++pads) {
             MedianCall{.width = 1300, .height = 21, .channels = 1, .filterSize = 21, .padFlags = pads}.ExpectO1();
             MedianCall{.width = 531, .height = 7, .channels = 2, .filterSize = 7, .padFlags = pads}.ExpectO1();
         }
-    }
+    });
 }
 
 TEST(ConstantTimeMedian, RandomSizesEqualPlain)
 {
     Random random(16);
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         for (u32 round = 0; round < 150; ++round) {
             const u32 half = 1 + random.Below(12);
             MedianCall{.width = 2 * half + 1 + random.Below(50),
@@ -92,7 +82,7 @@ TEST(ConstantTimeMedian, RandomSizesEqualPlain)
                        .kind = kKinds[random.Below(std::size(kKinds))]}
                 .ExpectO1();
         }
-    }
+    });
 }
 
 // Sorting networks are right for all samples when they are right for samples of 0 and 1, and sorted columns of those
@@ -178,9 +168,7 @@ TEST(ConstantTimeMedian, OtherPadFlagsAreIgnored)
 
 TEST(ConstantTimeDust, EveryTargetEqualsPlain)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         for (const u32 threshold : {0u, 1u, 20u, 254u, 255u, 256u, 0x80000000u, 0xFFFFFFFFu}) {
             for (const f64 amount : {-3.0, 0.0, 0.003, 0.3, 0.5, 1.0, 2.0}) {
                 for (const i32 size : {3, 5, 9}) {
@@ -195,7 +183,7 @@ TEST(ConstantTimeDust, EveryTargetEqualsPlain)
                 }
             }
         }
-    }
+    });
 }
 
 TEST(ConstantTimeDust, AnAmountThatComesToNothingIsAPlainMedian)
@@ -232,13 +220,12 @@ TEST(ConstantTimeDust, AThresholdOf0IsAPlainMedianWhateverTheAmountIs)
 
 TEST(ConstantTimeMedian, StaysInsideItsBuffers)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const Flush flush : {Flush::ToStart, Flush::ToEnd}) {
             for (const u32 width : {11u, 21u, 64u, 300u}) {
                 for (const i32 size : {3, 5, 7, 11}) {
                     for (u32 pads = 0; pads < 4; ++pads) {
-                        SCOPE(NameOf(target), int(flush), width, size, pads);
+                        SCOPE(int(flush), width, size, pads);
                         GuardedBuffer src(size_t(width) * 3 * 11, flush, 200), dst(src.Size(), flush, 1);
                         EXPECT_EQ(ZLV40_DustAndScratches_O1(src.Data(), width, 11, dst.Data(), 3, width * 3, width * 3,
                                                             size, 2, 0.5, pads),
@@ -247,7 +234,7 @@ TEST(ConstantTimeMedian, StaysInsideItsBuffers)
                 }
             }
         }
-    }
+    });
 }
 
 }  // namespace

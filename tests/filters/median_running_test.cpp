@@ -15,9 +15,7 @@ constexpr f64 kNoNumber = std::numeric_limits<f64>::quiet_NaN();
 
 TEST(RunningMedian, EveryTargetEqualsPlain)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         for (const u32 width : {1u, 2u, 5u, 16u, 33u, 70u}) {
             for (const u32 height : {1u, 2u, 6u, 19u}) {
                 for (const i32 size : {1, 3, 5, 7, 15, 31}) {
@@ -27,20 +25,18 @@ TEST(RunningMedian, EveryTargetEqualsPlain)
                 }
             }
         }
-    }
+    });
 }
 
 TEST(RunningMedian, EveryKindOfPictureEqualsPlain)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         for (const Kind kind : kKinds) {
             for (const i32 size : {1, 3, 5, 9}) {
                 MedianCall{.width = 90, .height = 23, .channels = 3, .filterSize = size, .kind = kind}.ExpectRunning();
             }
         }
-    }
+    });
 }
 
 TEST(RunningMedian, EveryChannelCountAndMaskEqualsPlain)
@@ -63,36 +59,30 @@ TEST(RunningMedian, EveryChannelCountAndMaskEqualsPlain)
 // Runs of the top level go on from one tile of columns to the next.
 TEST(RunningMedian, TilesOfColumnsMeetWithoutASeam)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         for (const Kind kind : {Kind::Noise, Kind::MostlyTop, Kind::Stripes}) {
             for (const i32 size : {7, 21, 83}) {
                 MedianCall{.width = 700, .height = 5, .channels = 2, .filterSize = size, .kind = kind}.ExpectRunning();
             }
         }
-    }
+    });
 }
 
 TEST(RunningMedian, BlocksOfANetworkMeetWithoutASeam)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         for (const u32 width : {341u, 342u, 343u, 700u}) {
             for (const i32 size : {3, 5}) {
                 MedianCall{.width = width, .height = 4, .channels = 3, .filterSize = size}.ExpectRunning();
             }
         }
-    }
+    });
 }
 
 TEST(RunningMedian, RandomSizesEqualPlain)
 {
     Random random(6);
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         for (u32 round = 0; round < 150; ++round) {
             MedianCall{.width = 1 + random.Below(60),
                        .height = 1 + random.Below(30),
@@ -104,15 +94,13 @@ TEST(RunningMedian, RandomSizesEqualPlain)
                        .kind = kKinds[random.Below(std::size(kKinds))]}
                 .ExpectRunning();
         }
-    }
+    });
 }
 
 // From 257 on a window has more samples than 16 bits count; the last size is the largest that is taken.
 TEST(RunningMedian, WindowsThatCoverTheImageManyTimesEqualPlain)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         for (const i32 size : {61, 253, 255, 257, 301, 1001, 9999, 46339}) {
             for (const Kind kind : {Kind::Noise, Kind::NearTop, Kind::BlackAndWhite}) {
                 MedianCall{.width = 1, .height = 1, .channels = 1, .filterSize = size, .kind = kind}.ExpectRunning();
@@ -120,17 +108,15 @@ TEST(RunningMedian, WindowsThatCoverTheImageManyTimesEqualPlain)
                 MedianCall{.width = 4, .height = 11, .channels = 2, .filterSize = size, .kind = kind}.ExpectRunning();
             }
         }
-    }
+    });
 }
 
 TEST(RunningMedian, WideCountsEqualPlainInsideTheImage)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         MedianCall{.width = 300, .height = 3, .channels = 1, .filterSize = 259}.ExpectRunning();
         MedianCall{.width = 3, .height = 300, .channels = 1, .filterSize = 259}.ExpectRunning();
-    }
+    });
 }
 
 TEST(RunningMedian, SizesBelow1AndEvenSizesGrow)
@@ -196,9 +182,7 @@ TEST(RunningMedian, EachRowAndChannelHasARunOfItsOwn)
 
 TEST(DustAndScratches, EveryTargetEqualsPlain)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         for (const u32 threshold : {0u, 1u, 20u, 254u, 255u, 256u, 0x80000000u, 0xFFFFFFFFu}) {
             for (const f64 amount : {-3.0, 0.0, 0.003, 0.3, 0.5, 1.0, 2.0, 1e300}) {
                 for (const i32 size : {3, 5, 9}) {
@@ -213,7 +197,7 @@ TEST(DustAndScratches, EveryTargetEqualsPlain)
                 }
             }
         }
-    }
+    });
 }
 
 // A window of one sample settles at 254, so its sample of 255 differs from its median by 1, for all others by 0; a
@@ -311,13 +295,12 @@ TEST(DustAndScratches, ASampleMovesLessFarDownThanUp)
 
 TEST(RunningMedian, StaysInsideItsBuffers)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const Flush flush : {Flush::ToStart, Flush::ToEnd}) {
             for (const u32 width : {1u, 21u, 64u, 300u}) {
                 for (const i32 size : {1, 3, 5, 7, 99}) {
                     for (const u32 mask : {7u, 2u}) {
-                        SCOPE(NameOf(target), int(flush), width, size, mask);
+                        SCOPE(int(flush), width, size, mask);
                         GuardedBuffer src(size_t(width) * 3 * 4, flush, 200), dst(src.Size(), flush, 1);
                         EXPECT_EQ(ZLV40_DustAndScratches(src.Data(), width, 4, dst.Data(), 3, width * 3, width * 3,
                                                          size, 2, 0.5, mask),
@@ -326,7 +309,7 @@ TEST(RunningMedian, StaysInsideItsBuffers)
                 }
             }
         }
-    }
+    });
 }
 
 }  // namespace

@@ -70,16 +70,6 @@ void ExpectPlain(const Image& image, const Motion& motion)
     EXPECT_EQ(src, before);
 }
 
-template <class Test>
-void OnEveryTarget(Test test)
-{
-    for (const zlv::Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
-        SCOPE(zlvtest::NameOf(target));
-        test();
-    }
-}
-
 constexpr Image kShapes[] = {
     {1, 1, 3},  {1, 9, 1, 2, 0}, {9, 1, 3, 0, 3}, {2, 2, 4},         {13, 7, 3, 1, 5},  {7, 20, 2, 0, 1},
     {64, 5, 1}, {65, 6, 3},      {40, 9, 5},      {130, 4, 4, 3, 3}, {11, 8, 17, 2, 2}, {66, 3, 40},
@@ -87,7 +77,7 @@ constexpr Image kShapes[] = {
 
 TEST(MotionBlur, EveryTargetEqualsPlainOnLines)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const Image& image : kShapes) {
             for (const f64 angle : {0.0, 30.0, 45.0, 90.0, 135.0, 180.0, 200.0, 270.0, 300.0, 360.0, -45.0, 1e5}) {
                 for (const f64 amount : {1.0, 0.3, 2.5, -1.0}) {
@@ -101,7 +91,7 @@ TEST(MotionBlur, EveryTargetEqualsPlainOnLines)
 
 TEST(MotionBlur, EveryTargetEqualsPlainOnArcsAndRays)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const Image& image : kShapes) {
             for (const i32 mode : {1, 2}) {
                 for (const f64 amount : {1.0, 0.2, -3.0, 14.0, 77.5}) {
@@ -118,7 +108,7 @@ TEST(MotionBlur, EveryTargetEqualsPlainOnArcsAndRays)
 // More samples than walk together, and longer walks than are kept.
 TEST(MotionBlur, WideImagesEqualPlain)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const i32 mode : {0, 1, 2}) {
             SCOPE(mode);
             ExpectPlain({1500, 6, 3, 5, 0}, {80, 1.7, 20, mode});
@@ -131,7 +121,7 @@ TEST(MotionBlur, WideImagesEqualPlain)
 // Lines from pixel to pixel: windows that slide, shorter and longer than the image and than what 16 bits sum.
 TEST(MotionBlur, LongLinesAlongAnAxisEqualPlain)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const Image& image : {Image{300, 9, 1}, Image{290, 5, 3, 2, 1}, Image{70, 4, 4}, Image{40, 5, 11, 0, 7},
                                    Image{9, 300, 1}, Image{5, 290, 3, 1, 2}, Image{530, 2, 3}, Image{1, 1, 1}}) {
             for (const Motion& motion :
@@ -174,7 +164,7 @@ TEST(MotionBlur, ALargeSpinEqualsPlain)
         const Motion motion = {0, amount, 15, 1};
         const Bytes src = zlvtest::RandomBytes(image.Size(image.SrcStride()), 1);
         const Bytes wanted = Plainly(image, src, motion);
-        OnEveryTarget([&] {
+        zlvtest::OnEveryTarget([&] {
             SCOPE(amount);
             Bytes dst(src.size());
             EXPECT_EQ(Call(image, src, dst, motion), 1u);
@@ -211,7 +201,7 @@ TEST(MotionBlur, ImagesOfMoreThanFourGigabytesEqualPlain)
 // Sums leave 16 bits behind 257 samples.
 TEST(MotionBlur, LongWalksEqualPlain)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const i32 mode : {0, 1, 2}) {
             for (const i32 steps : {256, 257, 258, 400, 5000}) {
                 for (const f64 amount : {1e-3, 0.01}) {
@@ -226,7 +216,7 @@ TEST(MotionBlur, LongWalksEqualPlain)
 // The largest sums.
 TEST(MotionBlur, LongWalksOverWhiteStayWhite)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const i32 mode : {0, 1, 2}) {
             for (const i32 steps : {257, 258, 70000}) {
                 SCOPE(mode, steps);
@@ -243,7 +233,7 @@ TEST(MotionBlur, LongWalksOverWhiteStayWhite)
 // Sums from 1 on, and the same below the largest.
 TEST(MotionBlur, EveryMeanIsTruncated)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (i32 steps = 2; steps <= 300; ++steps) {
             SCOPE(steps);
             // Straight down through all rows. Row y is 1 from column y on: column x sums x + 1 ones, as far as there
@@ -266,7 +256,7 @@ TEST(MotionBlur, EveryMeanIsTruncated)
 
 TEST(MotionBlur, NoStepsCopy)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const i32 mode : {0, 1, 2}) {
             for (const i32 steps : {0, -1, INT32_MIN}) {
                 SCOPE(mode, steps);
@@ -346,7 +336,7 @@ TEST(MotionBlur, PositionsAreTruncatedTowardsZero)
 // row above, and larger ones are rounded back.
 TEST(MotionBlur, OffsetsJustBelowAWholeNumberAreRoundedByTheSum)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const f64 angle : {180.0, 270.0, 360.0, -90.0, 90.0, -270.0, 3600.0, 36000.0}) {
             for (const f64 amount : {1.0, 4.0, 100.0, 0x1p-3}) {
                 SCOPE(angle, amount);
@@ -361,7 +351,7 @@ TEST(MotionBlur, OffsetsJustBelowAWholeNumberAreRoundedByTheSum)
 // The last step's offset is just below 2; the smaller a coordinate, the finer its sum with that.
 TEST(MotionBlur, OffsetsAroundWholeNumbersEqualPlain)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const f64 whole : {1.0, 2.0, -1.0, -3.0, -100.0, 0.0}) {
             for (const f64 aside : {0x1p-53, 0x1p-52, 0x1p-50, 0x1p-47, 0x1p-46, 0x1p-45, 0x1p-44, 0x1p-40}) {
                 for (const f64 sign : {-1.0, 1.0}) {
@@ -453,7 +443,7 @@ TEST(MotionBlur, OtherModesAreLinear)
 // Angles whose rotation is exact, or leads to whole coordinates for many pixels.
 TEST(MotionBlur, TurnsToWholeCoordinatesEqualPlain)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         const f64 quarter = kPi * kPi * 5;
         for (const f64 amount : {quarter, quarter * 2, quarter * 4, quarter / 3, quarter * 2 / 3, quarter / 2, 0.0,
                                  -0.0, 1e-300, 1e-17, 1e-15, 1e-12, 1e-9}) {
@@ -468,7 +458,7 @@ TEST(MotionBlur, TurnsToWholeCoordinatesEqualPlain)
 
 TEST(MotionBlur, HugeAmountsEqualPlain)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const f64 amount : {1e3, 1e6, 1e9, 1e12, 1e14, 1e16, 1e30, 1e300, 1.7e308, -1.7e308}) {
             for (const i32 mode : {0, 1, 2}) {
                 for (const f64 angle : {0.0, 90.0, 45.0, 1e300}) {
@@ -512,7 +502,7 @@ TEST(MotionBlur, AnyStrideOfTheResultWorks)
 
 TEST(MotionBlur, StaysInsideItsBuffers)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const zlvtest::Flush flush : {zlvtest::Flush::ToStart, zlvtest::Flush::ToEnd}) {
             for (const u32 channels : {1u, 3u, 4u, 5u}) {
                 for (const i32 width : {1, 33, 65}) {

@@ -105,45 +105,42 @@ void OnAFreshThread(Test test)
 
 TEST(Noise, EveryTargetEqualsPlain)
 {
-    for (const zlv::Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const Adder& adder : kAdders) {
             for (const u32 channels : {1u, 2u, 3u, 4u, 7u, 8u}) {
                 for (const u32 width : {1u, 5u, 32u, 86u, 257u, 530u}) {
                     for (const u32 padding : {0u, 3u}) {
                         for (const i32 monochrome : {0, 1}) {
-                            SCOPE(zlvtest::NameOf(target), adder.name, channels, width, padding, monochrome);
+                            SCOPE(adder.name, channels, width, padding, monochrome);
                             ExpectPlain(adder, {width, 3, channels, padding}, {400, 2.25, monochrome, 255}, width);
                         }
                     }
                 }
             }
         }
-    }
+    });
 }
 
 TEST(Noise, EveryMaskEqualsPlain)
 {
-    for (const zlv::Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const Adder& adder : kAdders) {
             for (const u32 channels : {1u, 3u, 4u, 8u}) {
                 for (u32 mask = 0; mask < (2u << channels); mask += channels == 8 ? 37 : 1) {
                     for (const i32 monochrome : {0, -1}) {
-                        SCOPE(zlvtest::NameOf(target), adder.name, channels, mask, monochrome);
+                        SCOPE(adder.name, channels, mask, monochrome);
                         ExpectPlain(adder, {90, 2, channels, 1}, {900, -3, monochrome, mask}, mask + 1);
                     }
                 }
             }
         }
-    }
+    });
 }
 
 // From those whose levels are always in doubt to those that a double hardly holds.
 TEST(Noise, EveryVarianceAndMeanEqualsPlain)
 {
-    for (const zlv::Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const Adder& adder : kAdders) {
             for (const f64 variance : {0.0, -0.0, 5e-324, 1e-300, 1e-40, 1e-12, 1e-6, 0.01, 1.0, 400.0, 1e4, 1e7, 1e8,
                                        1e9, 1e12, 1e75, 1e78, 1e300, 1e307}) {
@@ -168,33 +165,31 @@ TEST(Noise, EveryVarianceAndMeanEqualsPlain)
                                        1e300,
                                        -1e308}) {
                     if (!adder.hasMean && mean != 0) continue;
-                    SCOPE(zlvtest::NameOf(target), adder.name, variance, mean);
+                    SCOPE(adder.name, variance, mean);
                     ExpectPlain(adder, {50, 2, 3}, {variance, mean, 0, 7}, 11);
                 }
             }
         }
-    }
+    });
 }
 
 TEST(Noise, ManyDrawsEqualPlain)
 {
-    for (const zlv::Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const Adder& adder : kAdders) {
             for (const f64 variance : {0.7, 100.0, 3000.0}) {
-                SCOPE(zlvtest::NameOf(target), adder.name, variance);
+                SCOPE(adder.name, variance);
                 ExpectPlain(adder, {700, 300, 1}, {variance, 0.3, 0, 1}, u32(variance));
             }
         }
-    }
+    });
 }
 
 // Parameters that put the first value right next to a whole number, where the last bits of the formula decide.
 TEST(Noise, ValuesNextToALevelEqualPlain)
 {
     constexpr u32 kState = 1;
-    for (const zlv::Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const Adder& adder : kAdders) {
             for (const f64 level : {1.0, 2.0, 3.0, 7.0, 100.0, 255.0}) {
                 PlainGenerator generator = {kState};
@@ -202,7 +197,7 @@ TEST(Noise, ValuesNextToALevelEqualPlain)
                 // Noise grows with the deviation.
                 const f64 variance = (level / value) * (level / value);
                 for (i32 nudge = -3; nudge <= 3; ++nudge) {
-                    SCOPE(zlvtest::NameOf(target), adder.name, level, nudge);
+                    SCOPE(adder.name, level, nudge);
                     const f64 nudged = variance * (1 + nudge * 0x1p-52);
                     PlainGenerator again = {kState};
                     const f64 near = PlainNoise{adder.kind, nudged, 0, kMath}.Value(again);
@@ -211,7 +206,7 @@ TEST(Noise, ValuesNextToALevelEqualPlain)
                 }
             }
         }
-    }
+    });
 }
 
 // From state 1 the draws are 41, 18467, 6334, 26500.
@@ -407,20 +402,19 @@ TEST(Noise, AnyStrideWorks)
 
 TEST(Noise, StaysInsideItsBuffer)
 {
-    for (const zlv::Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const Adder& adder : kAdders) {
             for (const zlvtest::Flush flush : {zlvtest::Flush::ToStart, zlvtest::Flush::ToEnd}) {
                 for (const u32 width : {1u, 33u, 86u}) {
                     for (const u32 mask : {7u, 5u}) {
-                        SCOPE(zlvtest::NameOf(target), adder.name, int(flush), width, mask);
+                        SCOPE(adder.name, int(flush), width, mask);
                         zlvtest::GuardedBuffer buffer(size_t(width) * 3 * 2, flush, 128);
                         EXPECT_EQ(adder.add(buffer.Data(), width, 2, 3, width * 3, {400, 0, 0, mask}), 1u);
                     }
                 }
             }
         }
-    }
+    });
 }
 
 TEST(Noise, ReportsEveryRow)

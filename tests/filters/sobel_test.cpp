@@ -15,9 +15,9 @@
 namespace zlv {
 namespace {
 
+using zlvtest::BaseWatch;
 using zlvtest::Bytes;
 using zlvtest::FailingCalls;
-using zlvtest::BaseWatch;
 using zlvtest::ProgressRecorder;
 using Words = std::vector<u16>;
 
@@ -63,19 +63,9 @@ void ExpectPlain(const Shape& shape, u32 flags)
     EXPECT_EQ(zlvtest::Difference(wanted.data(), got.data(), got.size()), "");
 }
 
-template <class Test>
-void OnEveryTarget(Test test)
-{
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
-        SCOPE(zlvtest::NameOf(target));
-        test();
-    }
-}
-
 TEST(Sobel, EveryTargetEqualsPlain)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (u32 width = 2; width <= 100; width += width < 40 ? 1 : 13) {
             for (const u32 height : {2u, 3u, 7u}) {
                 ExpectPlain({width, height, 1, 2, 1}, 1);
@@ -90,7 +80,7 @@ TEST(Sobel, EveryTargetEqualsPlain)
 // Rows that are longer than the pieces in which they are done.
 TEST(Sobel, WideImagesEqualPlain)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const u32 width : {1023u, 1024u, 1025u, 1365u, 1366u, 4096u, 4097u, 4098u, 9000u}) {
             ExpectPlain({width, 2, 1}, 1);
             ExpectPlain({width, 2, 3}, 5);
@@ -150,7 +140,7 @@ constexpr u32 kSides[] = {ZLV40_COLUMN_LEFT, ZLV40_COLUMN_RIGHT, ZLV40_ROWS_ABOV
 
 TEST(Sobel, CombinedMagnitudesReadPromisedRowsAndColumns)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const u32 channels : {3u, 4u}) {
             // A part of a picture with a pixel around it.
             const u32 width = 40, height = 9, stride = (width + 2) * channels;
@@ -200,7 +190,7 @@ TEST(Sobel, SingleChannelsIgnoreTheFlagsOfCombinedMagnitudes)
 
 TEST(Sobel, StaysInsideItsBuffers)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const auto flush : {zlvtest::Flush::ToStart, zlvtest::Flush::ToEnd}) {
             for (const u32 flags : {7u, 2u, kCombined, kThreads}) {
                 const Shape shape = {66, 6, 3, 1, 3};
@@ -323,7 +313,7 @@ TEST(Sobel, LeavesCountersAndBaseCallbackAsTheyWere)
 // Below four rows the first three strips are empty and the last one has all rows.
 TEST(Sobel, StripsGiveWhatOneThreadGives)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (u32 height = 2; height <= 21; ++height) {
             SCOPE(height);
             const Shape shape = {33, height, 3, 2, 1};

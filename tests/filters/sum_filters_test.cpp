@@ -21,23 +21,21 @@ void ExpectMeans(const SumFilterKernels<Sum>& kernels, const std::vector<Sum>& s
 
 TEST(SumFilters, MeansOfSmallWindowsForEverySum)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (u32 side = 3; side <= 15; side += 2) {
-            SCOPE(NameOf(target), side);
+            SCOPE(side);
             std::vector<u16> sums(255 * side * side + 1);
             for (size_t i = 0; i < sums.size(); ++i) sums[i] = u16(i);
             ExpectMeans(Kernels<AllSumFilterKernels>().narrow, sums, side * side);
         }
-    }
+    });
 }
 
 TEST(SumFilters, MeansOfLargeWindowsForSumsAroundEveryLevel)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (u32 side = 1; side <= 4103; side += side < 301 ? 2 : 38) {
-            SCOPE(NameOf(target), side);
+            SCOPE(side);
             const u32 area = side * side;
             std::vector<u32> sums = {0};
             for (u32 level = 1; level <= 255; ++level) {
@@ -47,15 +45,14 @@ TEST(SumFilters, MeansOfLargeWindowsForSumsAroundEveryLevel)
             }
             ExpectMeans(Kernels<AllSumFilterKernels>().wide, sums, area);
         }
-    }
+    });
 }
 
 TEST(SumFilters, QuadraticMeansForSumsAroundEveryLevel)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (u32 side = 1; side <= kLargestSideOfSquares; side += 2) {
-            SCOPE(NameOf(target), side);
+            SCOPE(side);
             const u32 area = side * side;
             std::vector<u32> sums = {0};
             Bytes wanted = {0};
@@ -70,7 +67,7 @@ TEST(SumFilters, QuadraticMeansForSumsAroundEveryLevel)
             Kernels<PowerMeanKernels>().quadraticMeans(sums.data(), area, sums.size(), got.data());
             EXPECT_EQ(Difference(wanted.data(), got.data(), got.size()), "");
         }
-    }
+    });
 }
 
 TEST(SumFilters, BlendsOfEveryPairForEdgesOfWeights)
@@ -80,11 +77,10 @@ TEST(SumFilters, BlendsOfEveryPairForEdgesOfWeights)
         means.push_back(u8(i));
         own.push_back(u8(i >> 8));
     }
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const auto& [mean, other] :
              {std::pair{0u, 65536u}, {65536u, 0u}, {32768u, 32768u}, {1u, 65535u}, {655u, 64881u}}) {
-            SCOPE(NameOf(target), mean, other);
+            SCOPE(mean, other);
             Bytes wanted(means.size()), got = means;
             for (size_t i = 0; i < means.size(); ++i) {
                 wanted[i] = u8(((means[i] * mean) >> 16) + ((own[i] * other) >> 16));
@@ -92,7 +88,7 @@ TEST(SumFilters, BlendsOfEveryPairForEdgesOfWeights)
             Kernels<AllSumFilterKernels>().blend(got.data(), own.data(), {mean, other}, got.size());
             EXPECT_EQ(Difference(wanted.data(), got.data(), got.size()), "");
         }
-    }
+    });
 }
 
 }  // namespace

@@ -12,20 +12,10 @@ namespace {
 
 using namespace zlvtest;
 
-template <class Test>
-void OnEveryTarget(Test test)
-{
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
-        test();
-    }
-}
-
 TEST(WindowFilters, RandomShapesOnEveryTargetEqualPlain)
 {
     constexpr i32 kSizes[] = {1, 2, 3, 5, 6, 7, 9, 11, 13, 15, 17, 19, 25};
-    OnEveryTarget([&] {
+    zlvtest::OnEveryTarget([&] {
         for (const WindowFilter& filter : AllWindowFilters()) {
             Random random(filter.name.size());
             for (int i = 0; i < 40; ++i) {
@@ -40,7 +30,7 @@ TEST(WindowFilters, RandomShapesOnEveryTargetEqualPlain)
 
 TEST(WindowFilters, LongRowsOnEveryTargetEqualPlain)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const WindowFilter& filter : WindowFilters()) {
             for (const i32 size : {3, 5, 15, 17}) {
                 for (const u32 channels : {1u, 2u, 3u, 4u, 8u}) {
@@ -63,7 +53,7 @@ TEST(WindowFilters, WindowsThatCoverTheImageSeveralTimesEqualPlain)
 // Where most of a window lies beyond the image, the same numbers are added again and again.
 TEST(WindowFilters, PowersOfWindowsFarLargerThanTheImageEqualPlain)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const i32 order : {-1, -2, -3, -7, -200, 7, 13, 200}) {
             for (const auto& [width, height] : {std::pair{1u, 1u}, {3u, 2u}, {2u, 1u}}) {
                 for (const auto& [lowest, levels] : {std::pair{1u, 255u}, {1u, 3u}, {128u, 128u}, {0u, 256u}}) {
@@ -101,7 +91,7 @@ TEST(WindowFilters, MeansThatAreNearlyWholeEqualPlain)
 {
     constexpr u8 kLevels[][3] = {{1, 8, 8}, {1, 27, 8},    {2, 16, 128}, {3, 6, 6},
                                  {2, 3, 6}, {255, 85, 51}, {250, 125, 1}};
-    OnEveryTarget([&] {
+    zlvtest::OnEveryTarget([&] {
         for (const WindowFilter& filter : AllWindowFilters()) {
             for (const auto& levels : kLevels) {
                 for (const i32 size : {3, 5, 9}) {
@@ -146,7 +136,7 @@ TEST(WindowFilters, OneDarkPixelInAFlatImageEqualsPlain)
 
 TEST(WindowFilters, StayInsideTheirBuffers)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const WindowFilter& filter : WindowFilters()) {
             for (const Flush flush : {Flush::ToStart, Flush::ToEnd}) {
                 for (const u32 width : {1u, 5u, 21u, 64u}) {

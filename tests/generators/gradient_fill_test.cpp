@@ -98,16 +98,6 @@ const Disc kDiscs[] = {
 
 constexpr f64 kGammas[] = {1, 2, 0.45, 0, -1, kInfinity, kNaN};
 
-template <class Test>
-void ForEachTarget(Test test)
-{
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
-        SCOPE(zlvtest::NameOf(target));
-        test();
-    }
-}
-
 void CompareLinear(const Line& line, const Stops& stops, u32 width, u32 height, u32 channels, u32 mode, f64 gamma,
                    u32 flags)
 {
@@ -147,7 +137,7 @@ void CompareRadial(const Disc& disc, const Stops& stops, u32 width, u32 height, 
 
 TEST(GradientFill, EveryLineEqualsPlain)
 {
-    ForEachTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const Line& line : kLines) {
             for (const Stops& stops : kStops) {
                 for (const u32 mode : {0u, 1u, 2u}) CompareLinear(line, stops, 31, 23, 3, mode, 1, 1);
@@ -158,7 +148,7 @@ TEST(GradientFill, EveryLineEqualsPlain)
 
 TEST(GradientFill, EveryDiscEqualsPlain)
 {
-    ForEachTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const Disc& disc : kDiscs) {
             for (const Stops& stops : kStops) CompareRadial(disc, stops, 31, 23, 3, 1, 1);
         }
@@ -167,7 +157,7 @@ TEST(GradientFill, EveryDiscEqualsPlain)
 
 TEST(GradientFill, EveryGammaChannelCountAndOrderEqualsPlain)
 {
-    ForEachTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const f64 gamma : kGammas) {
             for (const u32 channels : {1u, 2u, 3u, 4u}) {
                 for (const u32 flags : {0u, 1u, 2u, 0xFFFFFFFFu}) {
@@ -181,7 +171,7 @@ TEST(GradientFill, EveryGammaChannelCountAndOrderEqualsPlain)
 
 TEST(GradientFill, EveryWidthEqualsPlain)
 {
-    ForEachTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const u32 width : {1u, 2u, 3u, 7u, 8u, 9u, 63u, 255u, 256u, 257u, 521u}) {
             CompareLinear({"long", 250, 1, 600, 30}, kStops[1], width, 3, 3, 0, 1, 1);
             CompareRadial({"long", 300, 200, 1}, kStops[1], width, 3, 3, 1, 1);

@@ -61,11 +61,7 @@ TEST(Golden, LibraryGivesTheChecksums)
 {
     const std::vector<GoldenRow> rows = AllRows();
 #ifdef ZLV_TESTS_SEE_INSIDE
-    for (const zlv::Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
-        CheckLibrary(rows);
-    }
+    OnEveryTarget([&] { CheckLibrary(rows); });
 #else
     CheckLibrary(rows);
 #endif

@@ -46,11 +46,7 @@ inline Bytes StylePixels(const StyleImage& image, std::uint64_t seed)
 template <class Test>
 void OnEveryStyleTarget(Test test)
 {
-    for (const zlv::Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
-        test();
-    }
+    OnEveryTarget([&] { test(); });
 }
 
 // Calls effect() from within a progress callback of another effect, where layer styles report. What they report, and

@@ -9,21 +9,11 @@ namespace {
 
 using namespace zlvtest;
 
-template <class Test>
-void OnEveryTarget(Test test)
-{
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
-        test();
-    }
-}
-
 // ---- Equal to plain ----
 
 TEST(BitMorphology, EveryTargetEqualsPlain)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const u32 width : {1u, 2u, 7u, 8u, 9u, 17u, 31u, 33u, 63u, 65u, 127u, 129u, 200u}) {
             for (const u32 height : {1u, 2u, 9u}) {
                 for (const BitFunction& function : kBitFunctions) {
@@ -42,7 +32,7 @@ TEST(BitMorphology, EveryTargetEqualsPlain)
 // Rare bits leave empty bytes, over which the erosion passes; frequent ones leave something of it.
 TEST(BitMorphology, RareAndFrequentBitsEqualPlain)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const u32 density : {0u, 4u, 40u, 128u, 200u, 250u, 256u}) {
             for (const u32 changes : {1u, 16u}) {
                 const BitPicture picture{307, 12, density, 1, changes};
@@ -60,7 +50,7 @@ TEST(BitMorphology, RareAndFrequentBitsEqualPlain)
 TEST(BitMorphology, RandomSizesAndElementsEqualPlain)
 {
     Random random(31);
-    OnEveryTarget([&] {
+    zlvtest::OnEveryTarget([&] {
         for (u32 round = 0; round < 250; ++round) {
             const BitPicture picture{1 + random.Below(150), 1 + random.Below(20), random.Below(257), random.Below(4),
                                      1 + random.Below(16)};
@@ -75,7 +65,7 @@ TEST(BitMorphology, RandomSizesAndElementsEqualPlain)
 
 TEST(BitMorphology, BoxesOfAnySizeEqualPlain)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (long long width = 1; width <= 41; width += 4) {
             for (long long height = 1; height <= 25; height += 6) {
                 for (const BitFunction& function : kBitFunctions) {
@@ -89,7 +79,7 @@ TEST(BitMorphology, BoxesOfAnySizeEqualPlain)
 
 TEST(BitMorphology, ElementsLargerThanTheImageEqualPlain)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const auto& [width, height] : {std::pair(1u, 1u), std::pair(3u, 2u), std::pair(13u, 5u)}) {
             for (const u32 density : {60u, 240u}) {
                 for (const BitFunction& function : kBitFunctions) {
@@ -199,7 +189,7 @@ const Skips kSkips[] = {
 
 TEST(BitErosion, PassesOverEmptyBytesAndThePixelBehind)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const Skips& row : kSkips) {
             SCOPE(row.shows);
             const u32 one = 1, stride = u32(row.src.size());
@@ -361,7 +351,7 @@ TEST(BitHitOrMiss, ClearsTheBitsBehindTheLastPixelOfARow)
 
 TEST(BitMorphology, CompositionsWorkInPlace)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const u32 density : {20u, 128u, 240u}) {
             const BitPicture picture{150, 23, density};
             const Bytes src = picture.Source();
@@ -392,7 +382,7 @@ TEST(BitMorphology, CompositionsWorkInPlace)
 
 TEST(BitMorphology, StaysInsideItsBuffers)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const Flush flush : {Flush::ToStart, Flush::ToEnd}) {
             for (const u32 width : {1u, 8u, 21u, 64u, 65u, 300u}) {
                 for (const PlainBitElement& element : {Box(3, 3), Box(31, 9), RandomElement(5, 3, width)}) {

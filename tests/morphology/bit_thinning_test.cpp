@@ -55,13 +55,12 @@ Pairs EightDirections()
 
 TEST(BitThinning, EveryTargetEqualsPlain)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const u32 width : {1u, 8u, 13u, 70u, 129u}) {
             for (const u32 padding : {0u, 3u}) {
                 for (const u32 iterations : {0u, 1u, 2u, 100u}) {
                     for (const u32 changes : {2u, 16u}) {
-                        SCOPE(NameOf(target), width, padding, iterations, changes);
+                        SCOPE(width, padding, iterations, changes);
                         const u32 stride = (width + 7) / 8 + padding;
                         const Bytes src = RandomBits(size_t(stride) * 17, 160, width + changes, changes);
                         Bytes wanted = RandomBytes(src.size(), 2), got = wanted;
@@ -75,7 +74,7 @@ TEST(BitThinning, EveryTargetEqualsPlain)
                 }
             }
         }
-    }
+    });
 }
 
 TEST(BitThinning, RandomElementsEqualPlain)

@@ -29,25 +29,23 @@ TEST(BufferLogic, EveryTargetEqualsPlainOnAllPairsOfBytes)
         a.push_back(u8(i));
         b.push_back(u8(i >> 8));
     }
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const auto& logic : kLogic) {
-            SCOPE(NameOf(target), logic.name);
+            SCOPE(logic.name);
             Bytes wanted(a.size()), got(a.size());
             for (size_t i = 0; i < a.size(); ++i) wanted[i] = u8(logic.plain(a[i], b[i]));
             EXPECT_EQ(logic.apply(a.data(), b.data(), got.data(), u32(a.size())), 1u);
             EXPECT_EQ(got, wanted);
         }
-    }
+    });
 }
 
 TEST(BufferLogic, AnySizeAndAlignmentStaysInsideItsBuffers)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const Flush flush : {Flush::ToStart, Flush::ToEnd}) {
             for (u32 size = 1; size <= 140; ++size) {
-                SCOPE(NameOf(target), int(flush), size);
+                SCOPE(int(flush), size);
                 GuardedBuffer a(size, flush, 0xC6), b(size, flush, 0xA3), out(size, flush, 0);
                 for (const auto& logic : kLogic) {
                     EXPECT_EQ(logic.apply(a.Data(), b.Data(), out.Data(), size), 1u);
@@ -58,7 +56,7 @@ TEST(BufferLogic, AnySizeAndAlignmentStaysInsideItsBuffers)
                 EXPECT_EQ(Difference(Bytes(size, 0x39).data(), a.Data(), size), "");
             }
         }
-    }
+    });
 }
 
 TEST(BufferLogic, TheOutputMayBeAnInput)

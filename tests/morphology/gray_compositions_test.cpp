@@ -64,9 +64,7 @@ struct Picture {
 
 TEST(GrayCompositions, EveryTargetEqualsPlain)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
+    zlvtest::OnEveryTarget([&] {
         for (const u32 width : {1u, 2u, 16u, 33u, 71u}) {
             for (const u32 height : {1u, 2u, 13u}) {
                 for (const u32 padding : {0u, 5u}) {
@@ -81,7 +79,7 @@ TEST(GrayCompositions, EveryTargetEqualsPlain)
                 }
             }
         }
-    }
+    });
 }
 
 TEST(GrayCompositions, ElementsLargerThanThePlaneEqualPlain)
@@ -359,12 +357,11 @@ TEST(GrayCompositions, WithoutMemoryForWorkImages)
 
 TEST(GrayCompositions, StayInsideTheirBuffers)
 {
-    for (const Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const Flush flush : {Flush::ToStart, Flush::ToEnd}) {
             for (const u32 width : {1u, 8u, 21u, 64u, 300u}) {
                 for (const Function& function : kFunctions) {
-                    SCOPE(NameOf(target), int(flush), width, function.name);
+                    SCOPE(int(flush), width, function.name);
                     GuardedBuffer src(size_t(width) * 4, flush, 200), dst(src.Size(), flush, 1);
                     EXPECT_EQ(function.apply(src.Data(), width, 4, width, Flat(5).data(), 5, dst.Data(), width), 1u);
                     EXPECT_EQ(function.apply(src.Data(), width, 4, width, Uneven(5, 9, 1).data(), 5, dst.Data(), width),
@@ -372,7 +369,7 @@ TEST(GrayCompositions, StayInsideTheirBuffers)
                 }
             }
         }
-    }
+    });
 }
 
 }  // namespace

@@ -36,7 +36,7 @@ TEST(SeamCarve, EverySeamOfSmallPicturesIsTheLiteralWalk)
 
 TEST(SeamCarve, EveryTargetEqualsPlain)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const u32 width : {5u, 16u, 33u, 70u, 131u}) {
             for (const u32 height : {3u, 4u, 5u, 20u}) {
                 ExpectPlainCarving({.width = width, .height = height, .seams = -1});

@@ -25,7 +25,7 @@ struct Costs {
 
 TEST(SeamCost, EveryTargetEqualsPlain)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (int width = 3; width <= 80; width += width < 40 ? 1 : 7) {
             for (const int spare : {0, 2}) {
                 for (const bool hasBias : {false, true}) {
@@ -59,7 +59,7 @@ TEST(SeamCost, TheLastColumnLooksAsideWithABiasAlone)
 
 TEST(SeamCost, SumsBeyondTheLargestNumberWrap)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         Costs costs(20, 3, 20, true);
         std::fill_n(costs.energy.Data(), 60, u16(65535));
         std::fill_n(costs.bias.Data(), 60, INT32_MAX);

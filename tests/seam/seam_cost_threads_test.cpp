@@ -48,7 +48,7 @@ struct Pass {
 // Three columns: the left half has one, and the column behind it is the right one's alone.
 TEST(SeamCostThreads, EqualPlain)
 {
-    OnEveryTarget([] {
+    zlvtest::OnEveryTarget([] {
         for (const int width : {3, 4, 5, 6, 7, 8, 15, 16, 17, 33, 64, 65, 100}) {
             for (const int height : {3, 4, 9}) {
                 for (const bool hasBias : {false, true}) {

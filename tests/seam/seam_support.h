@@ -39,14 +39,4 @@ void ExpectSameImage(const PlainSeamImage<T>& wanted, const CLImage<T>& got)
     EXPECT_EQ(zlvtest::Difference(wanted.elements.data(), got.ConstData(), wanted.elements.size()), "");
 }
 
-template <class Test>
-void OnEveryTarget(Test test)
-{
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
-        SCOPE(zlvtest::NameOf(target));
-        test();
-    }
-}
-
 }  // namespace zlv

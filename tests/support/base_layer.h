@@ -5,6 +5,7 @@
 #include "runtime/base_call.h"
 #include "support/bytes.h"
 #include "support/progress_recorder.h"
+#include "support/targets.h"
 
 namespace zlvtest {
 
@@ -24,6 +25,13 @@ void ForBothWidths(Test test)
         SCOPE("16 bits");
         test.template operator()<zlv::u16>();
     }
+}
+
+// The same on every instruction set.
+template <class Test>
+void ForTargetsAndWidths(Test test)
+{
+    OnEveryTarget([&] { ForBothWidths(test); });
 }
 
 // While it lives, reports of the base layer on this thread go to the recorder, which may cancel.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "runtime/targets.h"
+#include "support/bytes.h"
 
 #include <vector>
 
@@ -26,5 +27,15 @@ public:
 private:
     zlv::Target before_;
 };
+
+template <class Test>
+void OnEveryTarget(Test test)
+{
+    for (const zlv::Target target : RunnableTargets()) {
+        const ScopedTarget scoped(target);
+        SCOPE(NameOf(target));
+        test();
+    }
+}
 
 }  // namespace zlvtest

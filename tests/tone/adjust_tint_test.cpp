@@ -45,13 +45,12 @@ TEST(AdjustTint, EveryKindOfAngleEqualsPlain)
         const InPlaceEffect effect = Tint(angle);
         Bytes wanted = before;
         effect.plain(wanted.data(), shape);
-        for (const Target target : zlvtest::RunnableTargets()) {
-            SCOPE(angle, zlvtest::NameOf(target));
-            const zlvtest::ScopedTarget scoped(target);
+        zlvtest::OnEveryTarget([&] {
+            SCOPE(angle);
             Bytes got = before;
             EXPECT_EQ(effect.apply(got.data(), shape), 1u);
             EXPECT_EQ(zlvtest::Difference(wanted.data(), got.data(), got.size()), "");
-        }
+        });
     }
 }
 

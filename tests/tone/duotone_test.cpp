@@ -44,13 +44,12 @@ TEST(DuotoneImage, EveryHueEqualsPlainOnColoursAndGrays)
         const InPlaceEffect effect = Duotone(color);
         Bytes wanted = before;
         effect.plain(wanted.data(), shape);
-        for (const Target target : zlvtest::RunnableTargets()) {
-            SCOPE(color, zlvtest::NameOf(target));
-            const zlvtest::ScopedTarget scoped(target);
+        zlvtest::OnEveryTarget([&] {
+            SCOPE(color);
             Bytes got = before;
             EXPECT_EQ(effect.apply(got.data(), shape), 1u);
             EXPECT_EQ(zlvtest::Difference(wanted.data(), got.data(), got.size()), "");
-        }
+        });
     }
 }
 

@@ -79,12 +79,11 @@ void ExpectPlain(const Scene& scene, const std::vector<f64>& picture)
 // Sparse, winding and dense regions, from one pixel to several blocks of 64 a row.
 TEST(HsvMatch, EqualsPlainOnEveryKindOfRegion)
 {
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const u32 width : {1u, 2u, 7u, 63u, 64u, 65u, 128u, 200u}) {
             for (const u32 height : {1u, 2u, 23u}) {
                 for (const u32 open : {5u, 6u, 7u, 10u}) {
-                    SCOPE(zlvtest::NameOf(target), width, height, open);
+                    SCOPE(width, height, open);
                     Scene scene = {width, height, 3};
                     scene.seedX = width / 2, scene.seedY = height / 2;
                     ExpectPlain(scene, Picture(scene, width + open, open));
@@ -98,7 +97,7 @@ TEST(HsvMatch, EqualsPlainOnEveryKindOfRegion)
                 }
             }
         }
-    }
+    });
 }
 
 // One pixel wide, to and fro over the whole picture: the flood comes back to a block many times.

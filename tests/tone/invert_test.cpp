@@ -14,14 +14,13 @@ using zlvtest::Bytes;
 
 TEST(InvertImage, EveryTargetEqualsPlain)
 {
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (u32 channels = 1; channels <= 10; ++channels) {
             for (const u32 width : {1u, 7u, 16u, 33u, 90u}) {
                 for (const u32 padding : {0u, 5u}) {
                     for (const u32 flags : {0u, u32(ZLV40_PROTECT_ALPHA)}) {
                         if (flags && channels != 4) continue;
-                        SCOPE(zlvtest::NameOf(target), channels, width, padding, flags);
+                        SCOPE(channels, width, padding, flags);
                         const u32 stride = width * channels + padding;
                         Bytes wanted = zlvtest::RandomBytes(size_t(stride) * 3, width);
                         Bytes got = wanted;
@@ -33,7 +32,7 @@ TEST(InvertImage, EveryTargetEqualsPlain)
                 }
             }
         }
-    }
+    });
 }
 
 TEST(InvertImage, TwiceGivesTheImageBack)

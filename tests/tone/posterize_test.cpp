@@ -42,12 +42,11 @@ TEST(PosterizeRGB, AThresholdFindsTheNearestCornerOfTheWholeCube)
     const u32 pixels = u32(image.size() / 3);
     Bytes wanted = image;
     PlainPosterize(wanted.data(), pixels, 1, pixels * 3);
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         Bytes got = image;
         EXPECT_EQ(ZLV40_PosterizeRGB(got.data(), pixels, 1, pixels * 3, 0), 1u);
         EXPECT_EQ(zlvtest::Difference(wanted.data(), got.data(), got.size()), "");
-    }
+    });
 }
 
 TEST(PosterizeRGB, ReportsItsRowsAndACancelLeavesNoCode)

@@ -14,14 +14,13 @@ constexpr u32 kColors[] = {0x5080C0, 0x0000FF, 0x00FFFF, 0x10F020, 0xF01080, 0x8
 
 TEST(TintGrayscale, EqualsPlain)
 {
-    for (const Target target : zlvtest::RunnableTargets()) {
-        const zlvtest::ScopedTarget scoped(target);
+    zlvtest::OnEveryTarget([&] {
         for (const u32 width : {1u, 2u, 3u, 15u, 16u, 17u, 18u, 63u, 64u, 65u, 66u, 131u, 300u}) {
             for (const u32 channels : {3u, 4u, 5u, 8u}) {
                 for (const u32 padding : {0u, 7u}) {
                     for (const u32 color : {kColors[0], kColors[3]}) {
                         for (const u8 flags : {u8(0), u8(ZLV40_BGR)}) {
-                            SCOPE(zlvtest::NameOf(target), width, channels, padding, color, int(flags));
+                            SCOPE(width, channels, padding, color, int(flags));
                             const ImageShape from = {width, 3, 1, padding}, to = {width, 3, channels, padding + 1};
                             const Bytes gray = zlvtest::RandomBytes(from.Bytes(), width);
                             GuardedBuffer source(from.Bytes(), Flush::ToEnd), destination(to.Bytes(), Flush::ToEnd);
@@ -39,7 +38,7 @@ TEST(TintGrayscale, EqualsPlain)
                 }
             }
         }
-    }
+    });
 }
 
 TEST(TintGrayscale, EveryLevelOfEveryHueEqualsPlain)

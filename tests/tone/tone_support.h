@@ -50,13 +50,12 @@ struct InPlaceEffect {
 // On awkward sizes, with and without padding, with and without a client that listens, on every target.
 inline void ExpectPlain(const InPlaceEffect& effect, u32 channels)
 {
-    for (const zlv::Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
+    OnEveryTarget([&] {
         for (const u32 width : {1u, 2u, 3u, 7u, 15u, 16u, 17u, 18u, 33u, 64u, 65u, 70u, 131u}) {
             for (const u32 padding : {0u, 5u}) {
                 for (const bool hasClient : {false, true}) {
                     const ImageShape shape = {width, 3, channels, padding};
-                    SCOPE(NameOf(target), width, channels, padding, hasClient);
+                    SCOPE(width, channels, padding, hasClient);
                     Bytes wanted = RandomBytes(shape.Bytes(), width * 10 + channels);
                     GuardedBuffer image(shape.Bytes(), Flush::ToEnd);
                     std::memcpy(image.Data(), wanted.data(), wanted.size());
@@ -71,7 +70,7 @@ inline void ExpectPlain(const InPlaceEffect& effect, u32 channels)
                 }
             }
         }
-    }
+    });
 }
 
 // Reports (row, height) after each row; a cancel at any of them keeps the rows done and leaves this code.

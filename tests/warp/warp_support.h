@@ -45,16 +45,6 @@ struct WarpList {
     WarpList& operator=(const WarpList&) = delete;
 };
 
-template <class Test>
-void OnEveryTarget(Test test)
-{
-    for (const zlv::Target target : RunnableTargets()) {
-        const ScopedTarget scoped(target);
-        SCOPE(NameOf(target));
-        test();
-    }
-}
-
 // The list that stands, with these flags, against the plain one: pixels, padding and what is around the buffers.
 inline void ExpectListEqualsPlain(const WarpImage& image, const std::vector<PlainStep>& steps, std::uint32_t flags)
 {
