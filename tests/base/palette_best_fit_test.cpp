@@ -7,7 +7,9 @@
 namespace zlv {
 namespace {
 
+using zlvtest::BlankIndices;
 using zlvtest::Bytes;
+using zlvtest::kIndexPadding;
 using zlvtest::PaletteKind;
 using zlvtest::PictureKind;
 using zlvtest::Recording;
@@ -15,21 +17,17 @@ using zlvtest::TestPicture;
 
 // Pictures from this size on are mapped with a grid.
 constexpr u32 kLargeWidth = 163, kLargeHeight = 103;
-constexpr u32 kPadding = 3;
-
 u32 Map(const TestPicture& picture, Bytes& indices, const Bytes& palette, u32 colors, u32 flags)
 {
     return MV40_RGBTo8BitBestFit(picture.bytes.data(), picture.width, picture.height, picture.stride, indices.data(),
-                                 picture.width + kPadding, colors, palette.data(), flags);
+                                 picture.width + kIndexPadding, colors, palette.data(), flags);
 }
-
-Bytes Indices(const TestPicture& picture) { return Bytes(size_t(picture.width + kPadding) * picture.height + 1, 77); }
 
 Bytes Twin(const TestPicture& picture, const Bytes& palette, u32 colors, u32 flags)
 {
-    Bytes indices = Indices(picture);
+    Bytes indices = BlankIndices(picture);
     PlainBestFit(picture.bytes.data(), picture.width, picture.height, picture.stride, indices.data(),
-                 picture.width + kPadding, colors, palette.data(), flags & 1);
+                 picture.width + kIndexPadding, colors, palette.data(), flags & 1);
     return indices;
 }
 
@@ -37,7 +35,7 @@ void ExpectPlain(const TestPicture& picture, const Bytes& palette, u32 colors, u
 {
     const Bytes wanted = Twin(picture, palette, colors, flags);
     zlvtest::OnEveryTarget([&] {
-        Bytes got = Indices(picture);
+        Bytes got = BlankIndices(picture);
         EXPECT_EQ(Map(picture, got, palette, colors, flags), 1u);
         EXPECT_EQ(MV40_GetLastError(), 0u);
         EXPECT_EQ(zlvtest::Difference(wanted.data(), got.data(), got.size()), "");
@@ -123,7 +121,7 @@ TEST(BestFit, OtherFlagsChangeNothing)
 {
     const TestPicture picture(PictureKind::Noise, 20, 4, 1);
     const Bytes palette = zlvtest::MakePalette(PaletteKind::Random, 50, 1);
-    Bytes got = Indices(picture);
+    Bytes got = BlankIndices(picture);
     EXPECT_EQ(Map(picture, got, palette, 50, 0xFFFFFFFE), 1u);
     EXPECT_EQ(got, Twin(picture, palette, 50, 0));
 }
@@ -165,7 +163,7 @@ TEST(BestFit, ReportsEveryPixel)
             SCOPE(width, height);
             const TestPicture picture(PictureKind::Noise, width, height, 1);
             const Bytes palette = zlvtest::MakePalette(PaletteKind::Random, 9, 1);
-            Bytes got = Indices(picture);
+            Bytes got = BlankIndices(picture);
             const Recording recording;
             EXPECT_EQ(Map(picture, got, palette, 9, 0), 1u);
             EXPECT_EQ(recording.recorder.reports, PixelReports(width, height));
@@ -178,7 +176,7 @@ TEST(BestFit, ALargePictureIsTheSameWithAListener)
 {
     const TestPicture picture(PictureKind::Gradient, kLargeWidth, kLargeHeight, 1);
     const Bytes palette = zlvtest::MakePalette(PaletteKind::Lattice, 256, 1);
-    Bytes got = Indices(picture);
+    Bytes got = BlankIndices(picture);
     const Recording recording;
     EXPECT_EQ(Map(picture, got, palette, 256, 0), 1u);
     EXPECT_EQ(recording.recorder.reports, PixelReports(kLargeWidth, kLargeHeight));
@@ -192,12 +190,12 @@ TEST(BestFit, ACancelKeepsThePixelsDone)
     const Bytes all = Twin(picture, palette, 200, 0);
     for (u32 cancelAt = 1; cancelAt <= 15; ++cancelAt) {
         SCOPE(cancelAt);
-        Bytes wanted = Indices(picture);
+        Bytes wanted = BlankIndices(picture);
         for (u32 i = 0; i < cancelAt; ++i) {
-            const size_t place = i / 5 * (5 + kPadding) + i % 5;
+            const size_t place = i / 5 * (5 + kIndexPadding) + i % 5;
             wanted[place] = all[place];
         }
-        Bytes got = Indices(picture);
+        Bytes got = BlankIndices(picture);
         {
             const Recording recording(cancelAt);
             EXPECT_EQ(Map(picture, got, palette, 200, 0), 0u);
@@ -213,7 +211,7 @@ TEST(BestFit, AsAStepItIsSilent)
 {
     const TestPicture picture(PictureKind::Noise, 5, 3, 1);
     const Bytes palette = zlvtest::MakePalette(PaletteKind::Random, 20, 1);
-    Bytes got = Indices(picture);
+    Bytes got = BlankIndices(picture);
     const Recording recording(1);
     MVThreadContext& context = *baseContexts.Get();
     ++context.nestCount;
@@ -256,13 +254,13 @@ TEST(BestFit, WithoutMemoryItIsCodeOne)
     (void)MV40_GetLastError();
     const TestPicture picture(PictureKind::Noise, kLargeWidth, kLargeHeight, 1);
     const Bytes palette = zlvtest::MakePalette(PaletteKind::Random, 20, 1);
-    Bytes got = Indices(picture);
+    Bytes got = BlankIndices(picture);
     {
         const zlvtest::FailingCalls failing(zlvtest::FailingCalls::Of::Allocate, 0);
         EXPECT_EQ(Map(picture, got, palette, 20, 0), 0u);
     }
     EXPECT_EQ(MV40_GetLastError(), u32(Error::OutOfMemory));
-    EXPECT_EQ(got, Indices(picture));
+    EXPECT_EQ(got, BlankIndices(picture));
 }
 
 TEST(BestFit, ASmallPictureNeedsNoMemory)
@@ -270,7 +268,7 @@ TEST(BestFit, ASmallPictureNeedsNoMemory)
     (void)MV40_GetLastError();
     const TestPicture picture(PictureKind::Noise, 20, 20, 1);
     const Bytes palette = zlvtest::MakePalette(PaletteKind::Random, 20, 1);
-    Bytes got = Indices(picture);
+    Bytes got = BlankIndices(picture);
     const zlvtest::FailingCalls failing(zlvtest::FailingCalls::Of::Allocate, 0);
     EXPECT_EQ(Map(picture, got, palette, 20, 0), 1u);
 }

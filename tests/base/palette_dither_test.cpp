@@ -7,43 +7,36 @@
 namespace zlv {
 namespace {
 
+using zlvtest::BlankIndices;
 using zlvtest::Bytes;
+using zlvtest::DitherSettings;
+using zlvtest::kIndexPadding;
 using zlvtest::PaletteKind;
 using zlvtest::PictureKind;
 using zlvtest::Recording;
 using zlvtest::TestPicture;
 
-constexpr u32 kPadding = 3;
-
-struct Settings {
-    u32 colors = 256, ditherKind = 1;
-    u8 limit = 20;
-    u32 flags = 0;
-};
-
-Bytes Indices(const TestPicture& picture) { return Bytes(size_t(picture.width + kPadding) * picture.height + 1, 77); }
-
-u32 Map(const TestPicture& picture, Bytes& indices, const Bytes& palette, const Settings& settings)
+u32 Map(const TestPicture& picture, Bytes& indices, const Bytes& palette, const DitherSettings& settings)
 {
     return MV40_RGBTo8BitDithered(picture.bytes.data(), picture.width, picture.height, picture.stride, indices.data(),
-                                  picture.width + kPadding, settings.colors, palette.data(), settings.ditherKind,
+                                  picture.width + kIndexPadding, settings.colors, palette.data(), settings.ditherKind,
                                   settings.limit, settings.flags);
 }
 
-Bytes Twin(const TestPicture& picture, const Bytes& palette, const Settings& settings)
+Bytes Twin(const TestPicture& picture, const Bytes& palette, const DitherSettings& settings)
 {
-    Bytes indices = Indices(picture);
+    Bytes indices = BlankIndices(picture);
     PlainDither(picture.bytes.data(), picture.width, picture.height, picture.stride, indices.data(),
-                picture.width + kPadding, settings.colors, palette.data(), settings.ditherKind, settings.limit,
+                picture.width + kIndexPadding, settings.colors, palette.data(), settings.ditherKind, settings.limit,
                 settings.flags & 1);
     return indices;
 }
 
-void ExpectPlain(const TestPicture& picture, const Bytes& palette, const Settings& settings)
+void ExpectPlain(const TestPicture& picture, const Bytes& palette, const DitherSettings& settings)
 {
     const Bytes wanted = Twin(picture, palette, settings);
     zlvtest::OnEveryTarget([&] {
-        Bytes got = Indices(picture);
+        Bytes got = BlankIndices(picture);
         EXPECT_EQ(Map(picture, got, palette, settings), 1u);
         EXPECT_EQ(MV40_GetLastError(), 0u);
         EXPECT_EQ(zlvtest::Difference(wanted.data(), got.data(), got.size()), "");
@@ -110,7 +103,7 @@ TEST(PaletteDither, MoreThan256ColorsAre256)
     const Bytes wanted = Twin(picture, palette, {256, 1, 20, 0});
     for (const u32 colors : {257u, 0xFFFFFFFFu}) {
         SCOPE(colors);
-        Bytes got = Indices(picture);
+        Bytes got = BlankIndices(picture);
         EXPECT_EQ(Map(picture, got, palette, {colors, 1, 20, 0}), 1u);
         EXPECT_EQ(got, wanted);
     }
@@ -125,7 +118,7 @@ TEST(PaletteDither, OtherFlagsChangeNothing)
 {
     const TestPicture picture(PictureKind::Noise, 40, 9, 1);
     const Bytes palette = zlvtest::MakePalette(PaletteKind::Random, 9, 3);
-    Bytes got = Indices(picture);
+    Bytes got = BlankIndices(picture);
     EXPECT_EQ(Map(picture, got, palette, {9, 1, 20, 0xFFFFFFFE}), 1u);
     EXPECT_EQ(got, Twin(picture, palette, {9, 1, 20, 0}));
 }
@@ -213,7 +206,7 @@ TEST(PaletteDither, ReportsEveryRow)
         SCOPE(width);
         const TestPicture picture(PictureKind::Noise, width, 4, 1);
         const Bytes palette = zlvtest::MakePalette(PaletteKind::Random, 9, 3);
-        Bytes got = Indices(picture);
+        Bytes got = BlankIndices(picture);
         const Recording recording;
         EXPECT_EQ(Map(picture, got, palette, {9, 1, 20, 0}), 1u);
         EXPECT_EQ(recording.recorder.reports, zlvtest::Rows(4, 4));
@@ -228,8 +221,8 @@ TEST(PaletteDither, ACancelKeepsTheRowsDone)
     const Bytes all = Twin(picture, palette, {9, 1, 20, 0});
     for (u32 cancelAt = 1; cancelAt <= 4; ++cancelAt) {
         SCOPE(cancelAt);
-        Bytes wanted = Indices(picture), got = wanted;
-        std::copy_n(all.begin(), cancelAt * (6 + kPadding), wanted.begin());
+        Bytes wanted = BlankIndices(picture), got = wanted;
+        std::copy_n(all.begin(), cancelAt * (6 + kIndexPadding), wanted.begin());
         const Recording recording(cancelAt);
         EXPECT_EQ(Map(picture, got, palette, {9, 1, 20, 0}), 0u);
         EXPECT_EQ(MV40_GetLastError(), u32(Error::Cancelled));
@@ -239,18 +232,9 @@ TEST(PaletteDither, ACancelKeepsTheRowsDone)
     }
 }
 
-const struct {
-    const char* shows;
-    bool hasSource, hasDestination, hasPalette;
-} kRefusals[] = {
-    {"a null source", false, true, true},
-    {"a null destination", true, false, true},
-    {"a null palette", true, true, false},
-};
-
 TEST(PaletteDither, RefusalsWriteNothing)
 {
-    for (const auto& row : kRefusals) {
+    for (const auto& row : zlvtest::kMissingPointers) {
         SCOPE(row.shows);
         const Bytes pixels(12, 1), palette(16, 1);
         Bytes indices(4, 77);
@@ -270,13 +254,13 @@ TEST(PaletteDither, WithoutMemoryItIsCodeOne)
     const Bytes palette = zlvtest::MakePalette(PaletteKind::Random, 9, 3);
     for (const u32 succeeding : {0u, 1u}) {
         SCOPE(succeeding);
-        Bytes got = Indices(picture);
+        Bytes got = BlankIndices(picture);
         {
             const zlvtest::FailingCalls failing(zlvtest::FailingCalls::Of::Allocate, succeeding);
             EXPECT_EQ(Map(picture, got, palette, {9, 1, 20, 0}), 0u);
         }
         EXPECT_EQ(MV40_GetLastError(), u32(Error::OutOfMemory));
-        EXPECT_EQ(got, Indices(picture));
+        EXPECT_EQ(got, BlankIndices(picture));
     }
 }
 

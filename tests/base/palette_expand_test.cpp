@@ -88,18 +88,9 @@ TEST(PaletteExpand, ACancelKeepsTheRowsDone)
     }
 }
 
-const struct {
-    const char* shows;
-    bool hasSource, hasDestination, hasPalette;
-} kRefusals[] = {
-    {"a null source", false, true, true},
-    {"a null destination", true, false, true},
-    {"a null palette", true, true, false},
-};
-
 TEST(PaletteExpand, RefusalsWriteNothing)
 {
-    for (const auto& row : kRefusals) {
+    for (const auto& row : zlvtest::kMissingPointers) {
         SCOPE(row.shows);
         const Bytes indices(4, 0), palette(4, 1);
         Bytes pixels(12, 77);

@@ -8,53 +8,47 @@
 namespace zlv {
 namespace {
 
+using zlvtest::BlankIndices;
 using zlvtest::Bytes;
+using zlvtest::DitherSettings;
+using zlvtest::kIndexPadding;
 using zlvtest::PictureKind;
 using zlvtest::Recording;
 using zlvtest::Report;
 using zlvtest::TestPicture;
 
-constexpr u32 kPadding = 3;
-
-struct Settings {
-    u32 colors = 256, ditherKind = 1;
-    u8 limit = 20;
-    u32 flags = 0;
-};
-
 struct Result {
     Bytes indices, palette;
 
-    explicit Result(const TestPicture& picture)
-        : indices(size_t(picture.width + kPadding) * picture.height + 1, 77), palette(zlvtest::RandomBytes(1024, 1))
+    explicit Result(const TestPicture& picture) : indices(BlankIndices(picture)), palette(zlvtest::RandomBytes(1024, 1))
     {
     }
 };
 
-u32 Quantize(const TestPicture& picture, Result& result, const Settings& settings)
+u32 Quantize(const TestPicture& picture, Result& result, const DitherSettings& settings)
 {
     return MV40_QuantizeRGBTo8Bit(picture.bytes.data(), picture.width, picture.height, picture.stride,
-                                  result.indices.data(), picture.width + kPadding, settings.colors,
+                                  result.indices.data(), picture.width + kIndexPadding, settings.colors,
                                   result.palette.data(), settings.ditherKind, settings.limit, settings.flags);
 }
 
 // Finds the palette alone; returns how many of its entries are colours of the picture.
-size_t TwinPalette(const TestPicture& picture, Bytes& palette, const Settings& settings)
+size_t TwinPalette(const TestPicture& picture, Bytes& palette, const DitherSettings& settings)
 {
     const auto search = settings.flags & kIncrementalOctree ? PlainQuantizeIncrementally : PlainQuantizeByPopulation;
     return search(picture.bytes.data(), picture.width, picture.height, picture.stride, settings.colors, palette.data(),
                   settings.flags);
 }
 
-void Twin(const TestPicture& picture, Result& result, const Settings& settings)
+void Twin(const TestPicture& picture, Result& result, const DitherSettings& settings)
 {
     TwinPalette(picture, result.palette, settings);
     PlainDither(picture.bytes.data(), picture.width, picture.height, picture.stride, result.indices.data(),
-                picture.width + kPadding, settings.colors, result.palette.data(), settings.ditherKind, settings.limit,
-                settings.flags & 1);
+                picture.width + kIndexPadding, settings.colors, result.palette.data(), settings.ditherKind,
+                settings.limit, settings.flags & 1);
 }
 
-void ExpectPlain(const TestPicture& picture, const Settings& settings)
+void ExpectPlain(const TestPicture& picture, const DitherSettings& settings)
 {
     Result wanted(picture);
     Twin(picture, wanted, settings);
@@ -311,7 +305,7 @@ TEST(Quantize, ACancelWhileItMapsKeepsThePaletteAndTheRowsDone)
         for (u32 row = 0; row < 3; ++row) {
             SCOPE(flags, row);
             Result got(picture), wanted(picture);
-            std::copy_n(all.indices.begin(), (row + 1) * (5 + kPadding), wanted.indices.begin());
+            std::copy_n(all.indices.begin(), (row + 1) * (5 + kIndexPadding), wanted.indices.begin());
             const Recording recording(reports + row + 1);
             EXPECT_EQ(Quantize(picture, got, {16, 1, 20, flags}), 0u);
             EXPECT_EQ(MV40_GetLastError(), u32(Error::Cancelled));
@@ -338,19 +332,10 @@ TEST(Quantize, AsAStepItIsSilent)
     }
 }
 
-const struct {
-    const char* shows;
-    bool hasSource, hasDestination, hasPalette;
-} kRefusals[] = {
-    {"a null source", false, true, true},
-    {"a null destination", true, false, true},
-    {"a null palette", true, true, false},
-};
-
 TEST(Quantize, RefusalsWriteNothing)
 {
     for (const u32 flags : {0u, kIncrementalOctree}) {
-        for (const auto& row : kRefusals) {
+        for (const auto& row : zlvtest::kMissingPointers) {
             SCOPE(row.shows, flags);
             const Bytes pixels(12, 1);
             Bytes indices(4, 77), palette(1024, 77);

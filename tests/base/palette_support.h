@@ -89,4 +89,27 @@ void ForEveryKind(Test test)
     for (int kind = 0; kind < int(Kind::Count); ++kind) test(Kind(kind));
 }
 
+struct DitherSettings {
+    u32 colors = 256, ditherKind = 1;
+    u8 limit = 20;
+    u32 flags = 0;
+};
+
+// Room for a picture's indices, in rows with padding.
+inline constexpr u32 kIndexPadding = 3;
+inline Bytes BlankIndices(const TestPicture& picture)
+{
+    return Bytes(std::size_t(picture.width + kIndexPadding) * picture.height + 1, 77);
+}
+
+// Each pointer that must not be null, missing.
+inline constexpr struct {
+    const char* shows;
+    bool hasSource, hasDestination, hasPalette;
+} kMissingPointers[] = {
+    {"a null source", false, true, true},
+    {"a null destination", true, false, true},
+    {"a null palette", true, true, false},
+};
+
 }  // namespace zlvtest
