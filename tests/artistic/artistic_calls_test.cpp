@@ -4,7 +4,7 @@
 #include "runtime/base_call.h"
 #include "runtime/frame.h"
 #include "support/base_watch.h"
-#include "support/test_hooks.h"
+#include "support/failing_memory.h"
 
 namespace zlv {
 namespace {
@@ -61,25 +61,21 @@ TEST(ArtisticEffects, EveryAllocationFailing)
         const ArtisticShape shape = {17, 11, 0};
         const Bytes source = RandomBytes(effect.Bytes(shape), 3);
         for (const bool hasClient : {false, true}) {
-            for (u32 succeeding = 0;; ++succeeding) {
-                SCOPE(effect.name, hasClient, succeeding);
-                ASSERT_LT(succeeding, 200u);
-                Bytes destination = source;
-                ProgressRecorder recorder;
-                if (hasClient) ZLV40_SetCallback(recorder.Function, recorder.Data());
-                u32 result = 0, failed = 0;
-                {
-                    const FailingCalls failing(FailingCalls::Of::Allocate, succeeding);
-                    result = effect.apply(
+            SCOPE(effect.name, hasClient);
+            ProgressRecorder recorder;
+            if (hasClient) ZLV40_SetCallback(recorder.Function, recorder.Data());
+            seen += zlvtest::WithEachFailing(
+                FailingCalls::Of::Allocate,
+                [&] {
+                    Bytes destination = source;
+                    return effect.apply(
                         {source.data(), destination.data(), shape.width, shape.height, effect.Stride(shape)});
-                    failed = failing.Failed();
-                }
-                ZLV40_SetCallback(nullptr, 0);
-                EXPECT_EQ(result, failed ? 0u : 1u);
-                EXPECT_EQ(ZLV40_GetLastError(), failed ? u32(ZLV40_ERROR_OUT_OF_MEMORY) : 0u);
-                if (!failed) break;
-                ++seen;
-            }
+                },
+                [&](u32 result, u32 failed, u32) {
+                    EXPECT_EQ(result, failed ? 0u : 1u);
+                    EXPECT_EQ(ZLV40_GetLastError(), failed ? u32(ZLV40_ERROR_OUT_OF_MEMORY) : 0u);
+                });
+            ZLV40_SetCallback(nullptr, 0);
         }
     }
     EXPECT_GT(seen, 100u);

@@ -3,10 +3,10 @@
 #include "runtime/frame.h"
 #include "support/base_watch.h"
 #include "support/bytes.h"
+#include "support/failing_memory.h"
 #include "support/guarded_buffer.h"
 #include "support/progress_recorder.h"
 #include "support/targets.h"
-#include "support/test_hooks.h"
 
 #include "zlv40.h"
 
@@ -254,29 +254,21 @@ TEST(Crackle, EveryAllocationThatFailsEndsAsPrescribed)
         PlainCrackle(plain);
         PlainCrackle(c.Plain(source, whole));
         u32 ended = 0, wentOn = 0;
-        for (u32 succeeding = 0;; ++succeeding) {
-            SCOPE(kind, succeeding);
-            ASSERT_LT(succeeding, 100u);
-            Bytes got = c.Destination();
-            u32 result = 0, failed = 0;
-            {
-                const FailingCalls failing(FailingCalls::Of::Allocate, succeeding);
-                result = c.Apply(source, got);
-                failed = failing.Failed();
-            }
-            EXPECT_EQ(ZLV40_GetLastError(), failed ? kMemory : 0u);
-            if (succeeding < kOwn) {
-                EXPECT_EQ(result, 0u);
-            }
-            if (result == 0) {
-                EXPECT_EQ(got, c.Destination());
-                ++ended;
-                continue;
-            }
-            EXPECT_EQ(got, failed ? unsharpened : whole);
-            if (!failed) break;
-            ++wentOn;
-        }
+        SCOPE(kind);
+        Bytes got;
+        zlvtest::WithEachFailing(
+            FailingCalls::Of::Allocate,
+            [&] {
+                got = c.Destination();
+                return c.Apply(source, got);
+            },
+            [&](u32 result, u32 failed, u32 succeeding) {
+                EXPECT_EQ(ZLV40_GetLastError(), failed ? kMemory : 0u);
+                EXPECT_TRUE(succeeding >= kOwn || result == 0);
+                EXPECT_EQ(got, result == 0 ? c.Destination() : failed ? unsharpened : whole);
+                ended += result == 0;
+                wentOn += result != 0 && failed;
+            });
         EXPECT_GT(ended, kOwn) << "the morphology needs memory too";
         EXPECT_GT(wentOn, 0u) << "and so does the sharpening";
     }

@@ -1,7 +1,7 @@
 // Reflections: what they refuse, and what their steps do.
 #include "artistic/artistic_cases.h"
 
-#include "support/test_hooks.h"
+#include "support/failing_memory.h"
 #include "warp/warp_support.h"
 
 #include <limits>
@@ -335,25 +335,19 @@ TEST(ReflectImage, TheClientsWarpListIsBackWhenMemoryIsOut)
     const Bytes wanted = Warped();
     const Call call = {.flags = kRippled};
     const Bytes source = call.Source();
-    u32 failures = 0;
-    for (u32 succeeding = 0;; ++succeeding) {
-        SCOPE(succeeding);
-        ASSERT_LT(succeeding, 100u);
-        Bytes made = call.Untouched();
-        u32 result = 0, failed = 0;
-        {
-            const FailingCalls failing(FailingCalls::Of::Allocate, succeeding);
-            result = call.On(source.data(), made.data());
-            failed = failing.Failed();
-        }
-        EXPECT_EQ(result, failed ? 0u : 1u);
-        EXPECT_EQ(ZLV40_GetLastError(), failed ? u32(ZLV40_ERROR_OUT_OF_MEMORY) : 0u);
-        EXPECT_EQ(exportedContexts.Get()->transforms.GetCount(), 1u);
-        EXPECT_EQ(Warped(), wanted);
-        if (!failed) break;
-        ++failures;
-    }
-    EXPECT_GE(failures, 4u);
+    const u32 allocations = zlvtest::WithEachFailing(
+        FailingCalls::Of::Allocate,
+        [&] {
+            Bytes made = call.Untouched();
+            return call.On(source.data(), made.data());
+        },
+        [&](u32 result, u32 failed, u32) {
+            EXPECT_EQ(result, failed ? 0u : 1u);
+            EXPECT_EQ(ZLV40_GetLastError(), failed ? u32(ZLV40_ERROR_OUT_OF_MEMORY) : 0u);
+            EXPECT_EQ(exportedContexts.Get()->transforms.GetCount(), 1u);
+            EXPECT_EQ(Warped(), wanted);
+        });
+    EXPECT_GE(allocations, 4u);
 }
 
 }  // namespace

@@ -3,8 +3,8 @@
 
 #include "runtime/frame.h"
 #include "support/base_watch.h"
+#include "support/failing_memory.h"
 #include "support/progress_recorder.h"
-#include "support/test_hooks.h"
 
 namespace zlv {
 namespace {
@@ -238,39 +238,35 @@ TEST(SegmentedColorizeCalls, EveryAllocationThatFailsEndsAsPrescribed)
             SegmentResult result(c);
             const std::vector<PlainSegmentCall> ends = EndsOf(PlainCallOf(c, source, result));
             std::size_t end = 0;
-            for (u32 succeeding = 0;; ++succeeding) {
-                SCOPE(mode, size, succeeding);
-                ASSERT_LT(succeeding, 200u);
-                SegmentResult got(c);
-                u32 returned = 0, failed = 0;
-                {
-                    const FailingCalls failing(FailingCalls::Of::Allocate, succeeding);
-                    returned = Apply(c, source, got);
-                    failed = failing.Failed();
-                }
-                const u32 error = ZLV40_GetLastError();
-                EXPECT_EQ(error, failed ? kMemory : 0u);
-                EXPECT_EQ(returned, succeeding < kOwn ? 0u : 1u);
-                if (succeeding < kOwn) {
-                    EXPECT_EQ(got, SegmentResult(c));
-                    continue;
-                }
-                // With more memory a call comes as far, or farther.
-                const auto wantedOf = [&](PlainSegmentCall plain) {
-                    SegmentResult wanted(c);
-                    plain.destination = wanted.image.data();
-                    plain.palette = wanted.palette.data();
-                    PlainSegmentedColorize(plain);
-                    return wanted;
-                };
-                const std::size_t before = end;
-                while (end < ends.size() && wantedOf(ends[end]) != got) ++end;
-                ASSERT_LT(end, ends.size()) << "an end that is not prescribed";
-                endsSeen += end != before;
-                if (failed) continue;
-                EXPECT_EQ(got, wantedOf(ends.back()));
-                break;
-            }
+            SCOPE(mode, size);
+            const auto wantedOf = [&](PlainSegmentCall plain) {
+                SegmentResult wanted(c);
+                plain.destination = wanted.image.data();
+                plain.palette = wanted.palette.data();
+                PlainSegmentedColorize(plain);
+                return wanted;
+            };
+            SegmentResult got(c);
+            zlvtest::WithEachFailing(
+                FailingCalls::Of::Allocate,
+                [&] {
+                    got = SegmentResult(c);
+                    return Apply(c, source, got);
+                },
+                [&](u32 returned, u32 failed, u32 succeeding) {
+                    EXPECT_EQ(ZLV40_GetLastError(), failed ? kMemory : 0u);
+                    EXPECT_EQ(returned, succeeding < kOwn ? 0u : 1u);
+                    if (succeeding < kOwn) {
+                        EXPECT_EQ(got, SegmentResult(c));
+                        return;
+                    }
+                    // With more memory a call comes as far, or farther.
+                    const std::size_t before = end;
+                    while (end < ends.size() && wantedOf(ends[end]) != got) ++end;
+                    ASSERT_LT(end, ends.size()) << "an end that is not prescribed";
+                    endsSeen += end != before;
+                    EXPECT_TRUE(failed || got == wantedOf(ends.back()));
+                });
         }
     }
     EXPECT_GT(endsSeen, 3 * kModes) << "filters that fail would not show";

@@ -1,8 +1,8 @@
 // The Gaussian blur as a call: buffers, reports, cancels, refusals, memory.
 #include "base/gaussian_cases.h"
+#include "support/failing_memory.h"
 #include "support/guarded_buffer.h"
 #include "support/progress_recorder.h"
-#include "support/test_hooks.h"
 
 #include <algorithm>
 #include <limits>
@@ -181,22 +181,20 @@ TEST(GaussianBlur, WithoutMemoryItIsCodeOneAndNothingIsWritten)
 {
     (void)MV40_GetLastError();  // makes the thread's record
     for (const f64 sigma : {0.8, 2.0, 6.0}) {
-        bool hasFailed = true;
-        for (u32 succeeding = 0; hasFailed; ++succeeding) {
-            ASSERT_LT(succeeding, 10u);
-            SCOPE(sigma, succeeding);
-            const std::vector<u8> source(60 * 60 * 3, u8(9));
-            std::vector<u8> got(source.size(), u8(44));
-            u32 result;
-            {
-                const zlvtest::FailingCalls failing(zlvtest::FailingCalls::Of::Allocate, succeeding);
-                result = Blur({60, 60, 3}, source, got, sigma, 7);
-                hasFailed = failing.Failed() > 0;
-            }
-            EXPECT_EQ(result, hasFailed ? 0u : 1u);
-            EXPECT_EQ(MV40_GetLastError(), u32(hasFailed ? Error::OutOfMemory : Error::None));
-            EXPECT_EQ(got == std::vector<u8>(source.size(), u8(44)), hasFailed);
-        }
+        SCOPE(sigma);
+        const std::vector<u8> source(60 * 60 * 3, u8(9)), before(source.size(), u8(44));
+        std::vector<u8> got;
+        zlvtest::WithEachFailing(
+            zlvtest::FailingCalls::Of::Allocate,
+            [&] {
+                got = before;
+                return Blur({60, 60, 3}, source, got, sigma, 7);
+            },
+            [&](u32 result, u32 failed, u32) {
+                EXPECT_EQ(result, failed ? 0u : 1u);
+                EXPECT_EQ(MV40_GetLastError(), u32(failed ? Error::OutOfMemory : Error::None));
+                EXPECT_EQ(got == before, failed != 0);
+            });
     }
 }
 

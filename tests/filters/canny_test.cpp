@@ -4,10 +4,10 @@
 #include "runtime/math.h"
 #include "support/base_watch.h"
 #include "support/bytes.h"
+#include "support/failing_memory.h"
 #include "support/guarded_buffer.h"
 #include "support/progress_recorder.h"
 #include "support/targets.h"
-#include "support/test_hooks.h"
 
 #include <algorithm>
 #include <limits>
@@ -331,17 +331,9 @@ TEST(Canny, EveryFailedAllocationIsCodeOne)
 {
     const Bytes src = zlvtest::RandomBytes(400, 1), before = zlvtest::RandomBytes(400, 2);
     ZLV40_GetLastError();  // makes the thread's records
-    for (u32 succeeding = 0;; ++succeeding) {
-        SCOPE(succeeding);
-        ASSERT_LT(succeeding, 50u);
-        Bytes dst = before;
-        const FailingCalls failing(FailingCalls::Of::Allocate, succeeding);
-        const u32 result = Detect({20, 20}, src.data(), dst.data(), {});
-        EXPECT_EQ(result, failing.Failed() ? 0u : 1u);
-        EXPECT_EQ(ZLV40_GetLastError(), failing.Failed() ? u32(ZLV40_ERROR_OUT_OF_MEMORY) : 0u);
-        if (!failing.Failed()) break;
-        EXPECT_EQ(dst, before);
-    }
+    zlvtest::ExpectCodeOneWithoutMemory(before, [&](Bytes& dst) {
+        return Detect({20, 20}, src.data(), dst.data(), {});
+    });
 }
 
 // ---- Hysteresis ---------------------------------------------------------------------------------------------------

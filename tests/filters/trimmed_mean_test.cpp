@@ -1,6 +1,6 @@
 #include "filters/adaptive_cases.h"
+#include "support/failing_memory.h"
 #include "support/guarded_buffer.h"
-#include "support/test_hooks.h"
 
 #include <limits>
 
@@ -203,19 +203,9 @@ TEST(TrimmedMean, EveryFailedAllocationIsReported)
 {
     const AdaptiveShape shape = {7, 8, 3};
     const Bytes src = shape.Source();
-    u32 failed = 0;
-    for (u32 succeeding = 0;; ++succeeding) {
-        Bytes dst = shape.Target();
-        ClearLastError();
-        const FailingCalls failing(FailingCalls::Of::Allocate, succeeding);
-        const u32 result = Apply(shape, src.data(), dst.data(), 3, 1, 7);
-        if (failing.Failed() == 0) break;
-        EXPECT_EQ(result, 0u);
-        EXPECT_EQ(ZLV40_GetLastError(), u32(ZLV40_ERROR_OUT_OF_MEMORY));
-        EXPECT_EQ(dst, shape.Target());
-        ++failed;
-    }
-    EXPECT_EQ(failed, 4u);
+    const u32 allocations = zlvtest::ExpectCodeOneWithoutMemory(
+        shape.Target(), [&](Bytes& dst) { return Apply(shape, src.data(), dst.data(), 3, 1, 7); });
+    EXPECT_EQ(allocations, 4u);
 }
 
 }  // namespace

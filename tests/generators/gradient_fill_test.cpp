@@ -2,10 +2,10 @@
 #include "plain/plain_gradient.h"
 #include "runtime/math.h"
 #include "support/bytes.h"
+#include "support/failing_memory.h"
 #include "support/guarded_buffer.h"
 #include "support/progress_recorder.h"
 #include "support/targets.h"
-#include "support/test_hooks.h"
 
 #include "zlv40.h"
 
@@ -365,21 +365,9 @@ TEST(GradientFill, RowsWithoutPixelsAreReportedToo)
 TEST(GradientFill, EveryAllocationThatFailsIsCode1)
 {
     for (const bool isLinear : {true, false}) {
-        for (u32 succeeding = 0;; ++succeeding) {
-            SCOPE(isLinear, succeeding);
-            Bytes image(64, 9);
-            u32 result = 0, failed = 0;
-            {
-                const zlvtest::FailingCalls failing(zlvtest::FailingCalls::Of::Allocate, succeeding);
-                result = isLinear ? Call().Linear(image) : Call().Radial(image);
-                failed = failing.Failed();
-            }
-            EXPECT_EQ(result, failed ? 0u : 1u);
-            EXPECT_EQ(ZLV40_GetLastError(), failed ? u32(ZLV40_ERROR_OUT_OF_MEMORY) : 0u);
-            if (!failed) break;
-            EXPECT_EQ(image, Bytes(64, 9));
-            ASSERT_LT(succeeding, 20u);
-        }
+        SCOPE(isLinear);
+        zlvtest::ExpectCodeOneWithoutMemory(
+            Bytes(64, 9), [&](Bytes& image) { return isLinear ? Call().Linear(image) : Call().Radial(image); });
     }
 }
 

@@ -1,7 +1,7 @@
 #include "plain/plain_spline.h"
 #include "support/doubles.h"
+#include "support/failing_memory.h"
 #include "support/guarded_buffer.h"
-#include "support/test_hooks.h"
 
 #include <cmath>
 #include <limits>
@@ -198,24 +198,10 @@ TEST(Get3DSplinePoints, RefusesWithNothingWritten)
 TEST(Get3DSplinePoints, WithoutMemoryIsCodeOneAndNothingWritten)
 {
     ZLV40_GetLastError();  // makes the thread's records
-    for (std::uint32_t succeeding = 0;; ++succeeding) {
-        SCOPE(succeeding);
-        const Points controls = RandomPoints(5, 12);
-        Points out(6, 3);
-        std::uint32_t result = 0, failed = 0;
-        {
-            const zlvtest::FailingCalls failing(zlvtest::FailingCalls::Of::Allocate, succeeding);
-            result = Evaluate(controls, 3, out);
-            failed = failing.Failed();
-        }
-        EXPECT_EQ(result, failed ? 0u : 1u);
-        EXPECT_EQ(ZLV40_GetLastError(), std::uint32_t(failed ? ZLV40_ERROR_OUT_OF_MEMORY : 0));
-        if (!failed) {
-            EXPECT_EQ(succeeding, 2u);
-            break;
-        }
-        EXPECT_EQ(out, Points(6, 3));
-    }
+    const Points controls = RandomPoints(5, 12);
+    const std::uint32_t allocations =
+        zlvtest::ExpectCodeOneWithoutMemory(Points(6, 3), [&](Points& out) { return Evaluate(controls, 3, out); });
+    EXPECT_EQ(allocations, 2u);
 }
 
 }  // namespace

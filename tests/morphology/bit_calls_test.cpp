@@ -3,8 +3,8 @@
 
 #include "runtime/frame.h"
 #include "support/base_watch.h"
+#include "support/failing_memory.h"
 #include "support/progress_recorder.h"
-#include "support/test_hooks.h"
 
 #include <climits>
 
@@ -168,28 +168,10 @@ TEST(BitMorphologyCalls, LeaveTheCountersAndTheBaseCallbackAsTheyWere)
 
 // ---- Memory ----
 
-// Runs call(dst) with each of its allocations failing in turn.
 template <class Call>
 void ExpectCodeOneWithoutMemory(Call call)
 {
-    u32 failures = 0;
-    for (u32 succeeding = 0;; ++succeeding) {
-        SCOPE(succeeding);
-        ASSERT_LT(succeeding, 100u);
-        Bytes dst(64, 77);
-        u32 result = 0, failed = 0;
-        {
-            const FailingCalls failing(FailingCalls::Of::Allocate, succeeding);
-            result = call(dst.data());
-            failed = failing.Failed();
-        }
-        EXPECT_EQ(result, failed ? 0u : 1u);
-        EXPECT_EQ(ZLV40_GetLastError(), failed ? kEmpty : 0u);
-        if (!failed) break;
-        EXPECT_EQ(dst, Bytes(64, 77));
-        ++failures;
-    }
-    EXPECT_GT(failures, 0u);
+    EXPECT_GT(zlvtest::ExpectCodeOneWithoutMemory(Bytes(64, 77), [&](Bytes& dst) { return call(dst.data()); }), 0u);
 }
 
 TEST(BitMorphologyCalls, WithoutMemoryNothingIsWritten)

@@ -3,15 +3,15 @@
 
 #include "runtime/base_call.h"
 #include "support/base_watch.h"
+#include "support/failing_memory.h"
 #include "support/progress_recorder.h"
-#include "support/test_hooks.h"
 #include "support/thread_hooks.h"
 
 namespace zlv {
 namespace {
 
-using zlvtest::FailingCalls;
 using zlvtest::BaseWatch;
+using zlvtest::FailingCalls;
 using zlvtest::ProgressRecorder;
 using zlvtest::ThreadOrders;
 
@@ -217,22 +217,16 @@ TEST(SeamCarve, EveryAllocationThatFailsIsCodeOne)
         for (const bool hasMask : {false, true}) {
             const CarveCase c = {.seams = hasMask ? 3 : -3, .flags = flags, .hasMask = hasMask};
             RunCase(c);  // makes the thread's records
-            u32 succeeding = 0;
-            for (bool isDone = false; !isDone; ++succeeding) {
-                SCOPE(NameOf(flags), hasMask, succeeding);
-                ASSERT_LT(succeeding, 50u);
-                const std::int64_t handles = zlvtest::OpenHandles();
-                Outcome run;
-                {
-                    const FailingCalls failing(FailingCalls::Of::Allocate, succeeding);
-                    run = RunCase(c);
-                    isDone = failing.Failed() == 0;
-                }
-                if (isDone) ExpectDone(c, run);
-                else ExpectUntouched(c, run, ZLV40_ERROR_OUT_OF_MEMORY);
-                EXPECT_EQ(zlvtest::OpenHandles(), handles);
-            }
-            EXPECT_EQ(succeeding - 1, hasMask ? 7u : 6u) << "four or five images, the seam and two lists of mutexes";
+            SCOPE(NameOf(flags), hasMask);
+            const std::int64_t handles = zlvtest::OpenHandles();
+            const u32 allocations = zlvtest::WithEachFailing(
+                FailingCalls::Of::Allocate, [&] { return RunCase(c); },
+                [&](const Outcome& run, u32 failed, u32) {
+                    if (failed) ExpectUntouched(c, run, ZLV40_ERROR_OUT_OF_MEMORY);
+                    else ExpectDone(c, run);
+                    EXPECT_EQ(zlvtest::OpenHandles(), handles);
+                });
+            EXPECT_EQ(allocations, hasMask ? 7u : 6u) << "four or five images, the seam and two lists of mutexes";
         }
     }
 }

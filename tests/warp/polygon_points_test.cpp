@@ -1,5 +1,7 @@
 #include "warp/warp_cases.h"
 
+#include "support/failing_memory.h"
+
 namespace zlvtest {
 namespace {
 
@@ -234,21 +236,17 @@ TEST(PolygonPoints, WithoutMemoryTheListStaysAsItWas)
     const WarpList list;
     const WarpCase warp = Polygon("", {{0, 0}, {9, 0}, {9, 9}}, 2);
     for (const auto function : {FailingCalls::Of::Allocate, FailingCalls::Of::AllocateClientBlock}) {
-        for (std::uint32_t succeeding = 0;; ++succeeding) {
-            SCOPE(int(function), succeeding);
-            ASSERT_LT(succeeding, 100u);
-            std::uint32_t added = 0, error = 0;
-            {
-                const FailingCalls failing(function, succeeding);
-                added = warp.add(9, 9);
-                error = ZLV40_GetLastError();
-                if (failing.Failed() == 0) break;
-            }
-            EXPECT_EQ(added, 0u);
-            const bool isObject = function == FailingCalls::Of::Allocate && succeeding == 0;
-            EXPECT_EQ(error, std::uint32_t(isObject ? ZLV40_ERROR_OUT_OF_MEMORY : ZLV40_ERROR_BAD_ARGUMENT));
-            ExpectListEqualsPlain({5, 5, 1}, {}, 0);
-        }
+        SCOPE(int(function));
+        WithEachFailing(
+            function, [&] { return warp.add(9, 9); },
+            [&](std::uint32_t added, std::uint32_t failed, std::uint32_t succeeding) {
+                EXPECT_EQ(added, failed ? 0u : 1u);
+                if (!failed) return;
+                const bool isObject = function == FailingCalls::Of::Allocate && succeeding == 0;
+                EXPECT_EQ(ZLV40_GetLastError(),
+                          std::uint32_t(isObject ? ZLV40_ERROR_OUT_OF_MEMORY : ZLV40_ERROR_BAD_ARGUMENT));
+                ExpectListEqualsPlain({5, 5, 1}, {}, 0);
+            });
         ZLV40_ClearAllTransforms();
     }
 }
