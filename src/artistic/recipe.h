@@ -1,7 +1,7 @@
 // What the chains of steps share: pictures of their own, the steps that report, and the end of a step that failed.
 #pragma once
 
-#include "runtime/array.h"
+#include "base/packed_image.h"
 #include "runtime/base_tables.h"
 #include "runtime/frame.h"
 
@@ -13,25 +13,6 @@ inline constexpr u32 kRgbChannels = 3;
 // Masks of channels in the flags of base functions.
 inline constexpr u32 kGrayMask = 1;
 inline constexpr u32 kRgbMask = 7;
-
-// An intermediate picture, its rows without padding.
-class PackedImage {
-public:
-    // False when it would have no bytes or memory is out: effects treat them alike. The bytes are not cleared.
-    [[nodiscard]] bool Resize(u32 width, u32 height, u32 channels)
-    {
-        const u64 rowBytes = u64(width) * channels;
-        stride_ = u32(rowBytes);
-        return stride_ == rowBytes && bytes_.Resize(rowBytes * height);
-    }
-
-    u8* Data() { return bytes_.GetData(); }
-    u32 Stride() const { return stride_; }
-
-private:
-    MVBuffer<u8> bytes_;
-    u32 stride_ = 0;
-};
 
 // A palette whose entries are the levels of gray, in any order of components.
 inline const u8* GrayRamp() { return baseTables.grayRamp[0].bytes; }

@@ -6,9 +6,9 @@
 #include "base/image_view.h"
 #include "base/merge.h"
 #include "base/overlay.h"
+#include "base/packed_image.h"
 #include "base/solid_rect.h"
 #include "layerstyles/shadow_layout.h"
-#include "runtime/array.h"
 #include "runtime/frame.h"
 
 #include "zlv40.h"
@@ -43,16 +43,16 @@ struct Shadow {
 [[nodiscard]] bool DrawOpaque(CallFrame& frame, const ImageView<const u8>& src, const ImageView<u8>& result,
                               const Shadow& shadow)
 {
-    MVBuffer<u8> sharp;
-    if (!sharp.Resize(u64(result.stride) * result.height)) return false;
+    PackedImage sharp;
+    if (!sharp.Resize(result.width, result.height, result.channels)) return false;
     const auto fill = [&](const SolidRect& rect, u32 color) {
-        (void)MV40_FillSolidRect(sharp.GetData(), result.width, result.height, result.channels, result.stride, &rect,
+        (void)MV40_FillSolidRect(sharp.Data(), result.width, result.height, result.channels, result.stride, &rect,
                                  color, 0);
     };
     fill({0, 0, result.width - 1, result.height}, shadow.backgroundColor);
     const u32 left = u32(shadow.layout.shadow.x), top = u32(shadow.layout.shadow.y);
     fill({left, top, left + src.width - 1, top + src.height}, shadow.shadowColor);
-    const ImageView<const u8> ground = {sharp.GetData(), result.width, result.height, result.channels, result.stride};
+    const ImageView<const u8> ground = {sharp.Data(), result.width, result.height, result.channels, result.stride};
     if (!BlurReporting(frame, ground, result.data, shadow.layout.sigma, kAllChannels)) return false;
     (void)MV40_OverlayImage(result.data, result.width, result.height, result.channels, result.stride, src.data,
                             src.width, src.height, u32(src.SamplesPerRow()), shadow.layout.image.x,
@@ -64,26 +64,27 @@ struct Shadow {
 [[nodiscard]] bool DrawByAlpha(CallFrame& frame, const ImageView<const u8>& src, const ImageView<u8>& result,
                                const Shadow& shadow)
 {
-    MVBuffer<u8> alpha, outline, blurred;
-    const u64 pixels = u64(result.width) * result.height;
-    if (!alpha.Resize(u64(src.width) * src.height) || !outline.Resize(pixels) || !blurred.Resize(pixels)) return false;
-    (void)MV40_SplitRGBAToRGBPlusA(src.data, src.width, src.height, src.stride, nullptr, 0, alpha.GetData(), src.width,
-                                   0);
-    std::memset(outline.GetData(), 0, pixels);
-    (void)MV40_OverlayImage(outline.GetData(), result.width, result.height, 1, result.width, alpha.GetData(), src.width,
+    PackedImage alpha, outline, blurred;
+    if (!alpha.Resize(src.width, src.height, 1) || !outline.Resize(result.width, result.height, 1) ||
+        !blurred.Resize(result.width, result.height, 1)) {
+        return false;
+    }
+    (void)MV40_SplitRGBAToRGBPlusA(src.data, src.width, src.height, src.stride, nullptr, 0, alpha.Data(), src.width, 0);
+    std::memset(outline.Data(), 0, outline.Size());
+    (void)MV40_OverlayImage(outline.Data(), result.width, result.height, 1, result.width, alpha.Data(), src.width,
                             src.height, src.width, shadow.layout.shadow.x, shadow.layout.shadow.y, 1.0, 0.0,
                             u32(OverlayMode::Replace), 0);
     alpha.Clear();
-    std::memset(blurred.GetData(), 0, pixels);
-    const ImageView<const u8> shape = {outline.GetData(), result.width, result.height, 1, result.width};
-    if (!BlurReporting(frame, shape, blurred.GetData(), shadow.layout.sigma, 1)) return false;
+    std::memset(blurred.Data(), 0, blurred.Size());
+    const ImageView<const u8> shape = {outline.Data(), result.width, result.height, 1, result.width};
+    if (!BlurReporting(frame, shape, blurred.Data(), shadow.layout.sigma, 1)) return false;
     outline.Clear();
     if (shadow.isTinted) {
         (void)MV40_AlphaBlendColor(result.data, result.width, result.height, result.channels, result.stride,
-                                   blurred.GetData(), result.width, result.height, result.width, shadow.shadowColor, 0,
-                                   0, kColorReplace);
+                                   blurred.Data(), result.width, result.height, result.width, shadow.shadowColor, 0, 0,
+                                   kColorReplace);
     } else {
-        const void* const planes[kAlphaChannels] = {nullptr, nullptr, nullptr, blurred.GetData()};
+        const void* const planes[kAlphaChannels] = {nullptr, nullptr, nullptr, blurred.Data()};
         (void)MV40_CombineImageChannels(planes, result.width, result.height, result.channels, result.width, result.data,
                                         result.stride, 0);
     }

@@ -6,8 +6,8 @@
 #include "base/image_view.h"
 #include "base/merge.h"
 #include "base/overlay.h"
+#include "base/packed_image.h"
 #include "base/table_pass.h"
-#include "runtime/array.h"
 #include "runtime/clamp.h"
 #include "runtime/frame.h"
 #include "runtime/math.h"
@@ -36,15 +36,15 @@ struct Glow {
     const u8* curve;  // null for the default
 };
 
-// Planes of one byte a pixel, packed.
-[[nodiscard]] bool Allocate(MVBuffer<u8>& plane, const ImageView<u8>& image, u32 bytesPerPixel)
+[[nodiscard]] bool Allocate(PackedImage& picture, const ImageView<u8>& image, u32 channels)
 {
-    return plane.Resize(u64(image.width) * image.height * bytesPerPixel);
+    return picture.Resize(image.width, image.height, channels);
 }
 
-void Invert(u8* plane, size_t count)
+void Invert(PackedImage& plane)
 {
-    for (size_t i = 0; i < count; ++i) plane[i] = u8(255 - plane[i]);
+    u8* const samples = plane.Data();
+    for (u64 i = 0; i < plane.Size(); ++i) samples[i] = u8(255 - samples[i]);
 }
 
 void ReadAlpha(const ImageView<u8>& image, u8* alpha)
@@ -92,25 +92,24 @@ u32 GlowOutside(CallFrame& frame, const Glow& glow)
 {
     const ImageView<u8>& image = glow.image;
     const u32 width = image.width, height = image.height;
-    MVBuffer<u8> alpha, coverage, halo;
+    PackedImage alpha, coverage, halo;
     if (!Allocate(alpha, image, 1) || !Allocate(coverage, image, 1) || !Allocate(halo, image, kChannels)) {
         return frame.Fail(Error::OutOfMemory);
     }
-    ReadAlpha(image, alpha.GetData());
-    if (!Blur(frame, glow, alpha.GetData(), coverage.GetData())) return frame.Fail(Error::OutOfMemory);
+    ReadAlpha(image, alpha.Data());
+    if (!Blur(frame, glow, alpha.Data(), coverage.Data())) return frame.Fail(Error::OutOfMemory);
 
     u8 table[256];
     for (u32 i = 0; i < 256; ++i) table[i] = u8((glow.curve ? glow.curve[i] : DefaultCurve(i)) * glow.opacity);
-    ApplyTable(glow, coverage.GetData(), table);
+    ApplyTable(glow, coverage.Data(), table);
     // Under the shape the halo is as solid as the shape itself.
-    (void)MV40_OverlayImage(coverage.GetData(), width, height, 1, width, alpha.GetData(), width, height, width, 0, 0,
-                            1.0, 1.0, u32(OverlayMode::Lighter), 0);
-    const u32 haloStride = width * kChannels;
-    (void)MV40_AlphaBlendColor(halo.GetData(), width, height, kChannels, haloStride, coverage.GetData(), width, height,
+    (void)MV40_OverlayImage(coverage.Data(), width, height, 1, width, alpha.Data(), width, height, width, 0, 0, 1.0,
+                            1.0, u32(OverlayMode::Lighter), 0);
+    (void)MV40_AlphaBlendColor(halo.Data(), width, height, kChannels, halo.Stride(), coverage.Data(), width, height,
                                width, glow.color, 0, 0, kColorReplace);
-    (void)MV40_MergeRGBA(halo.GetData(), width, height, kChannels, haloStride, image.data, width, height, image.stride,
+    (void)MV40_MergeRGBA(halo.Data(), width, height, kChannels, halo.Stride(), image.data, width, height, image.stride,
                          0, 0, 1.0, u32(MergeMode::KeepAlpha));
-    (void)MV40_CopyBuffer(halo.GetData(), haloStride, height, image.stride, image.data);
+    (void)MV40_CopyBuffer(halo.Data(), halo.Stride(), height, image.stride, image.data);
     frame.SetLastError(Error::None);
     return 1;
 }
@@ -139,18 +138,18 @@ void TintRow(u8* pixels, const u8* tints, u32 width, const u8* byOpacity, u32 co
 u32 GlowInside(CallFrame& frame, const Glow& glow)
 {
     const ImageView<u8>& image = glow.image;
-    MVBuffer<u8> outside, tint;
+    PackedImage outside, tint;
     if (!Allocate(outside, image, 1) || !Allocate(tint, image, 1)) return frame.Fail(Error::OutOfMemory);
-    ReadAlpha(image, outside.GetData());
-    Invert(outside.GetData(), outside.GetCount());
-    if (!Blur(frame, glow, outside.GetData(), tint.GetData())) return frame.Fail(Error::OutOfMemory);
+    ReadAlpha(image, outside.Data());
+    Invert(outside);
+    if (!Blur(frame, glow, outside.Data(), tint.Data())) return frame.Fail(Error::OutOfMemory);
 
     u8 defaultCurve[256], byOpacity[256];
     for (u32 i = 0; i < 256; ++i) defaultCurve[i] = u8(DefaultCurve(i));
     for (u32 i = 0; i < 256; ++i) byOpacity[i] = u8(i * glow.opacity);
-    ApplyTable(glow, tint.GetData(), glow.curve ? glow.curve : defaultCurve);
+    ApplyTable(glow, tint.Data(), glow.curve ? glow.curve : defaultCurve);
     for (u32 y = 0; y < image.height; ++y) {
-        TintRow(image.Row(y), tint.GetData() + size_t(y) * image.width, image.width, byOpacity, glow.color);
+        TintRow(image.Row(y), tint.Data() + size_t(y) * image.width, image.width, byOpacity, glow.color);
     }
     frame.SetLastError(Error::None);
     return 1;

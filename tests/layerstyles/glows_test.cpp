@@ -129,6 +129,14 @@ TEST(Glows, BadArgumentsAreRefused)
     }
 }
 
+// A row of the halo would be longer than any stride can tell. Nothing is read before that is seen.
+TEST(Glows, RowsBeyondAnyStrideHaveNoMemory)
+{
+    std::uint8_t pixel[4] = {1, 2, 3, 4};
+    EXPECT_EQ(ZLV40_OuterGlowRGBA(pixel, 0x40000000, 1, 0, 1, 1, kColor, nullptr), 0u);
+    EXPECT_EQ(ZLV40_GetLastError(), std::uint32_t(ZLV40_ERROR_OUT_OF_MEMORY));
+}
+
 TEST(Glows, CalledDirectlyTheyReportNothing)
 {
     for (const auto& kind : kGlows) {
