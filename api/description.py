@@ -87,6 +87,7 @@ class Family:
     about: str
     exports: list
     recipes: list  # effects of the command that take several calls, described like exports
+    place: int = 0  # where it stands among the others, wherever families are listed
 
 
 def fail(where, what):
@@ -160,17 +161,14 @@ def read_family(path):
         fail(path.name, "the family is named like its file")
     exports = [read_export(path.name, facts["family"], export) for export in facts.get("export", [])]
     recipes = [read_recipe(path.name, facts["family"], recipe) for recipe in facts.get("recipe", [])]
-    return Family(facts["family"], facts["title"], facts["about"], exports, recipes)
-
-
-def family_files():
-    """The files that the description consists of, in a fixed order."""
-    return sorted(FAMILIES.glob("*.toml"))
+    return Family(facts["family"], facts["title"], facts["about"], exports, recipes, facts.get("place", 0))
 
 
 def read_all():
-    """All families. An export stands in one of them only."""
-    families = [read_family(path) for path in family_files()]
+    """All families in the order of their places. An export stands in one of them only."""
+    families = sorted((read_family(path) for path in FAMILIES.glob("*.toml")), key=lambda family: family.place)
+    if not all(before.place < behind.place for before, behind in zip(families, families[1:])):
+        fail("families", "each has a place of its own")
     seen = {}
     for family in families:
         for export in family.exports:

@@ -43,7 +43,7 @@ extern "C" {
 
 /* What ZLV40_GetLastError answers. */
 enum ZLV40_Error {
-    ZLV40_ERROR_NONE = 0,
+    ZLV40_ERROR_NONE = 0,              /* all is done, or a failure of which the function leaves no code */
     ZLV40_ERROR_OUT_OF_MEMORY = 1,     /* also a computed size of zero or less */
     ZLV40_ERROR_BAD_ARGUMENT = 5,      /* a null pointer, a size, channel count, mode or flag out of range */
     ZLV40_ERROR_CANCELLED = 14,        /* the progress callback returned 0 */
@@ -56,137 +56,26 @@ enum ZLV40_Error {
 
 /* Flag bits. Each function says which ones it knows. */
 enum ZLV40_Flag {
-    ZLV40_PROTECT_ALPHA = 1,   /* leaves channel 3 alone */
-    ZLV40_BGR = 1,             /* blue comes first and red third */
-    ZLV40_ALPHA_FIRST = 1,     /* channel 0 is alpha, the first colour's place is channel 3 */
-    ZLV40_MASK_255 = 2,        /* marks are 255 instead of 1 */
-    ZLV40_PAD_LEFT = 1,        /* the first column stands for those before the image */
-    ZLV40_PAD_RIGHT = 2,       /* the last column stands for those behind it */
-    ZLV40_SEPARABLE = 256,     /* in two passes, along rows and down columns */
-    ZLV40_COMBINED = 256,      /* one result for the first three channels */
-    ZLV40_COLORS_AS_IMAGE = 1, /* bytes of colours are in the order of the image's channels */
-    ZLV40_ONE_THREAD = 1,      /* works on the calling thread alone */
-    ZLV40_SHADOW_OF_ALPHA = 1, /* the shadow follows the alpha channel */
-    ZLV40_SHADOW_TINTED = 2,   /* a shadow of the alpha channel has a colour of its own; else it is black */
-    ZLV40_WIDE_RANGE = 1,      /* spreads brightness from 20 to 230 instead of 50 to 200 */
-    ZLV40_WORKER_THREADS = 524288,
-    ZLV40_KEEP_DESTINATION = 4,   /* the fill is what the destination holds */
-    ZLV40_CLAMP_POINTS = 8,       /* points outside the image come back to its edge */
-    ZLV40_COLUMN_LEFT = 1048576,  /* the image goes on to the left */
-    ZLV40_COLUMN_RIGHT = 2097152, /* the image goes on to the right */
-    ZLV40_ROWS_ABOVE = 4194304,   /* the image goes on above its first row */
-    ZLV40_ROWS_BELOW = 8388608    /* the image goes on below its last row */
-};
-
-/* Formulas of ZLV40_ContrastMaskImage. */
-enum ZLV40_ContrastMaskMode { ZLV40_CONTRAST_MASK_SOFT_LIGHT = 0, ZLV40_CONTRAST_MASK_OVERLAY = 1 };
-
-/* Where ZLV40_GetHSVColorMatchMaskFromImage grows. */
-enum ZLV40_MatchMode {
-    ZLV40_MATCH_UP_TO_BORDER = 0, /* over what does not match the border colour */
-    ZLV40_MATCH_SEED = 1          /* over what matches the seed's colour */
-};
-
-/* How weights fall with a distance. */
-enum ZLV40_WeightKind {
-    ZLV40_WEIGHTS_GAUSSIAN = 0, /* so does any value that is not listed */
-    ZLV40_WEIGHTS_LINEAR = 1,
-    ZLV40_WEIGHTS_COSINE = 2,
-    ZLV40_WEIGHTS_BOX = 3
-};
-
-/* How ZLV40_TransformProcess reads a point between pixels. */
-enum ZLV40_Sampling {
-    ZLV40_SAMPLING_NEAREST = 0,
-    ZLV40_SAMPLING_BILINEAR = 1,
-    ZLV40_SAMPLING_BICUBIC = 2,
-    ZLV40_SAMPLING_NONE = 3 /* writes nothing */
-};
-
-/* Where ZLV40_AddOffsetTransform brings back what leaves the picture; any other value is neither. */
-enum ZLV40_Wrap { ZLV40_WRAP_NONE = 0, ZLV40_WRAP_BOTH = 1, ZLV40_WRAP_X = 2, ZLV40_WRAP_Y = 3 };
-
-/* Filters of ZLV40_FilterFFT. */
-enum ZLV40_FFTFilter {
-    ZLV40_FFT_IDEAL_LOW_PASS = 1,
-    ZLV40_FFT_IDEAL_HIGH_PASS = 2,
-    ZLV40_FFT_IDEAL_BAND_PASS = 3,
-    ZLV40_FFT_POWER_LAW = 4,
-    ZLV40_FFT_BUTTERWORTH_LOW_PASS = 5,
-    ZLV40_FFT_BUTTERWORTH_HIGH_PASS = 6,
-    ZLV40_FFT_GAUSSIAN_LOW_PASS = 7,
-    ZLV40_FFT_GAUSSIAN_HIGH_PASS = 8,
-    ZLV40_FFT_BUTTERWORTH_EMPHASIS = 9,
-    ZLV40_FFT_GAUSSIAN_EMPHASIS = 10,
-    ZLV40_FFT_HOMOMORPHIC = 15
-};
-
-/* Flags of ZLV40_AdaptiveUnsharpMask. */
-enum ZLV40_UnsharpFlag {
-    ZLV40_UNSHARP_FOUR_KERNELS = 1, /* instead of two */
-    ZLV40_UNSHARP_EIGHT_KERNELS = 2,
-    ZLV40_UNSHARP_KEEP_ALPHA = 4 /* channel 3 is not sharpened */
-};
-
-/* Flag of ZLV40_LocalHistogramEnhancement. */
-enum ZLV40_EnhancementFlag {
-    ZLV40_DARK_REGIONS = 256 /* regions darker than a part of the image's mean, instead of brighter ones */
-};
-
-/* The curves of ZLV40_AddPointAttractorTransform; any other value moves nothing. */
-enum ZLV40_Attraction {
-    ZLV40_ATTRACT_LINEAR = 0,
-    ZLV40_ATTRACT_SINE = 1,
-    ZLV40_ATTRACT_COSINE = 2,
-    ZLV40_ATTRACT_SQUARE = 3,
-    ZLV40_ATTRACT_CUBIC = 4,
-    ZLV40_ATTRACT_ARC = 5
-};
-
-/* How ZLV40_AddWowTransform grows towards the rim; any other value is linear, too. */
-enum ZLV40_Wow { ZLV40_WOW_LINEAR = 0, ZLV40_WOW_SINE = 1 };
-
-/* How the waves of ZLV40_AddRippleTransform change from the centre to the rim; any other value is even, too. */
-enum ZLV40_RippleFalloff {
-    ZLV40_RIPPLE_EVEN = 0,
-    ZLV40_RIPPLE_LINEAR = 1,
-    ZLV40_RIPPLE_SQUARE = 2,
-    ZLV40_RIPPLE_SINE = 3,
-    ZLV40_RIPPLE_COSINE = 4
-};
-
-/* What ZLV40_AddEllipticalTransform squeezes. */
-enum ZLV40_Squeeze { ZLV40_SQUEEZE_HORIZONTAL = 0, ZLV40_SQUEEZE_VERTICAL = 1, ZLV40_SQUEEZE_BOTH = 2 };
-
-/* What ZLV40_AddPolygonTransform squeezes; any other value is nothing. */
-enum ZLV40_PolygonWarp {
-    ZLV40_POLYGON_ROWS = 0,
-    ZLV40_POLYGON_COLUMNS = 1,
-    ZLV40_POLYGON_BOTH = 2,
-    ZLV40_POLYGON_ROWS_AGAIN = 5 /* the same as ROWS */
-};
-
-/* Which way a warp of the middle line shifts pixels; any other value does nothing. */
-enum ZLV40_Shift { ZLV40_SHIFT_Y = 0, ZLV40_SHIFT_X = 1 };
-
-/* The waves of ZLV40_AddWaveTransform, and which way they shift pixels; any other value does nothing. */
-enum ZLV40_Wave { ZLV40_WAVE_SINE_Y = 0, ZLV40_WAVE_SINE_X = 1, ZLV40_WAVE_COSINE_Y = 2, ZLV40_WAVE_COSINE_X = 3 };
-
-/* What ZLV40_CrackleRGB makes its relief of. */
-enum ZLV40_CrackleKind {
-    ZLV40_CRACKLE_OPEN = 0,
-    ZLV40_CRACKLE_TOPHAT = 1,
-    ZLV40_CRACKLE_CLOSE = 2,
-    ZLV40_CRACKLE_DILATE = 3,
-    ZLV40_CRACKLE_ERODE = 4
-};
-
-/* How ZLV40_SegmentedColorizeRGBImage cleans the mask of a colour. */
-enum ZLV40_SegmentMode {
-    ZLV40_SEGMENT_MEDIAN = 0,
-    ZLV40_SEGMENT_CLOSE = 1,
-    ZLV40_SEGMENT_HIT_OR_MISS = 2,
-    ZLV40_SEGMENT_BOUNDARY = 3
+    ZLV40_PROTECT_ALPHA = 1,       /* leaves channel 3 alone */
+    ZLV40_BGR = 1,                 /* blue comes first and red third */
+    ZLV40_ALPHA_FIRST = 1,         /* channel 0 is alpha, the first colour's place is channel 3 */
+    ZLV40_MASK_255 = 2,            /* marks are 255 instead of 1 */
+    ZLV40_PAD_LEFT = 1,            /* the first column stands for those before the image */
+    ZLV40_PAD_RIGHT = 2,           /* the last column stands for those behind it */
+    ZLV40_SEPARABLE = 256,         /* in two passes, along rows and down columns */
+    ZLV40_COMBINED = 256,          /* one result for the first three channels */
+    ZLV40_COLORS_AS_IMAGE = 1,     /* bytes of colours are in the order of the image's channels */
+    ZLV40_ONE_THREAD = 1,          /* works on the calling thread alone */
+    ZLV40_SHADOW_OF_ALPHA = 1,     /* the shadow follows the alpha channel */
+    ZLV40_SHADOW_TINTED = 2,       /* a shadow of the alpha channel has a colour of its own; else it is black */
+    ZLV40_WIDE_RANGE = 1,          /* spreads brightness from 20 to 230 instead of 50 to 200 */
+    ZLV40_WORKER_THREADS = 524288, /* works on threads of its own */
+    ZLV40_KEEP_DESTINATION = 4,    /* the fill is what the destination holds */
+    ZLV40_CLAMP_POINTS = 8,        /* points outside the image come back to its edge */
+    ZLV40_COLUMN_LEFT = 1048576,   /* the image goes on to the left */
+    ZLV40_COLUMN_RIGHT = 2097152,  /* the image goes on to the right */
+    ZLV40_ROWS_ABOVE = 4194304,    /* the image goes on above its first row */
+    ZLV40_ROWS_BELOW = 8388608     /* the image goes on below its last row */
 };
 
 enum { ZLV40_VERSION_BYTES = 20 /* what ZLV40_GetLibVersion writes */ };
@@ -390,6 +279,12 @@ ZLV40_API uint32_t ZLV40_AdjustImageColorBalance(uint8_t* buffer, uint32_t width
                                                  int32_t highGreen, int32_t highBlue, int32_t brightness,
                                                  uint8_t flags);
 
+/* Formulas of ZLV40_ContrastMaskImage. */
+enum ZLV40_ContrastMaskMode {
+    ZLV40_CONTRAST_MASK_SOFT_LIGHT = 0, /* gentle */
+    ZLV40_CONTRAST_MASK_OVERLAY = 1     /* strong */
+};
+
 /* Lightens the dark parts of an image and darkens its light ones, in place, by blending it with a blurred gray copy of
  * itself turned over.
  *   buffer         height rows of width pixels, 8 bits a sample, interleaved; not NULL
@@ -405,6 +300,12 @@ ZLV40_API uint32_t ZLV40_AdjustImageColorBalance(uint8_t* buffer, uint32_t width
 #define ZLV40_ContrastMaskImage _ZLV40_ContrastMaskImage
 ZLV40_API uint32_t ZLV40_ContrastMaskImage(uint8_t* buffer, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
                                            uint32_t rowStride, uint32_t mode, double sigma);
+
+/* Where ZLV40_GetHSVColorMatchMaskFromImage grows. */
+enum ZLV40_MatchMode {
+    ZLV40_MATCH_UP_TO_BORDER = 0, /* over what does not match the border colour */
+    ZLV40_MATCH_SEED = 1          /* over what matches the seed's colour */
+};
 
 /* Finds the region of like colours round a pixel, as a mask. It grows from the seed to the pixels above, below, left
  * and right of it, and on from those. Colours match if each component lies within its tolerance; hues are compared
@@ -614,92 +515,146 @@ ZLV40_API uint32_t ZLV40_DustAndScratches_O1(const uint8_t* src, uint32_t width,
 #define ZLV40_MedianFilter1Bit _ZLV40_MedianFilter1Bit
 ZLV40_API uint32_t ZLV40_MedianFilter1Bit(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcRowStride,
                                           uint8_t* dst, uint32_t dstRowStride, uint32_t filterSize);
-/* ---- Noise and motion --------------------------------------------------------------------------------------- */
 
-/* What ZLV40_MotionBlur walks along. Any other value is linear too. */
-enum ZLV40_MotionMode {
-    ZLV40_MOTION_LINEAR = 0,
-    ZLV40_MOTION_SPIN = 1, /* arcs around the image's centre */
-    ZLV40_MOTION_ZOOM = 2  /* rays towards the image's centre */
+/* ---- Adaptive filters --------------------------------------------------------------------------------------- */
+
+/* Flags of ZLV40_AdaptiveUnsharpMask. */
+enum ZLV40_UnsharpFlag {
+    ZLV40_UNSHARP_FOUR_KERNELS = 1,  /* four directional kernels instead of two */
+    ZLV40_UNSHARP_EIGHT_KERNELS = 2, /* eight of them */
+    ZLV40_UNSHARP_KEEP_ALPHA = 4     /* channel 3 is not sharpened */
 };
 
-enum { ZLV40_MOST_MOTION_STEPS = 8421504 /* on an arc or a ray: the sum of so many samples fits 32 bits */ };
+/* Sharpens where a sample differs enough from its left neighbour: with d the difference, limited to -127..127, a sample
+ * whose |d| is above the threshold becomes itself + d * amount, the product truncated and the sum limited to 0..255.
+ * Others are copied, and so is the first column.
+ *   src           height rows of width pixels, 8 bits a sample, interleaved; not NULL
+ *   width         pixels a row, 1 or more
+ *   height        rows, 1 or more
+ *   channels      samples a pixel, 1 or more
+ *   srcRowStride  bytes from one row of src to the next, >= width * channels; not 0
+ *   dstRowStride  bytes from one row of dst to the next, >= width * channels; not 0; padding is not touched
+ *   dst           receives an image of the same shape; not NULL; may be src, with the same stride
+ *   threshold     in levels; from 127 on nothing is sharpened
+ *   amount        of sharpening; below 0 it softens; finite
+ *   flags         how many directional kernels the mask is made of: two, with ZLV40_UNSHARP_FOUR_KERNELS four, with
+ *                 ZLV40_UNSHARP_EIGHT_KERNELS eight; both are refused. The first one decides alone, so results are the
+ *                 same, but for two kernels' use of dst: the response of the second passes through it, which is
+ *                 127 + a sample - its right neighbour, limited to 0..254. With src as dst, that is what is sharpened.
+ *                 ZLV40_UNSHARP_KEEP_ALPHA does not sharpen channel 3: with two kernels it gets the second response,
+ *                 otherwise it is not touched
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written), ZLV40_ERROR_OUT_OF_MEMORY (nothing is written;
+ * with two kernels in place only) or ZLV40_ERROR_CANCELLED.
+ * Progress as (step, kernels): step 0 before the first kernel, 1 and so on after each further one, and `kernels` when
+ * dst is done. A cancel at that last report finds dst written; an earlier one leaves it untouched, or with two kernels
+ * and from step 1 on filled with the second response. Works on the calling thread. */
+#define ZLV40_AdaptiveUnsharpMask _ZLV40_AdaptiveUnsharpMask
+ZLV40_API uint32_t ZLV40_AdaptiveUnsharpMask(const uint8_t* src, uint32_t width, uint32_t height, int32_t channels,
+                                             uint32_t srcRowStride, uint32_t dstRowStride, uint8_t* dst,
+                                             uint32_t threshold, double amount, int8_t flags);
 
-/* Blurs an image along a path: every sample becomes the mean of samples of its channel on a walk that begins at it.
+/* Removes noise and keeps edges: the double-window modified trimmed mean (Y. H. Lee, S. A. Kassam, IEEE Transactions on
+ * Acoustics, Speech, and Signal Processing 33 (1985)). The median m of the 3 x 3 samples around a sample chooses, from
+ * the five rows around it and from the columns two to the left up to one to the right, the samples from m - q to m + q;
+ * their mean, truncated, is the result. (The column two to the right does not count.)
+ *   src           height rows of width pixels, 8 bits a sample, interleaved; not NULL, only read
+ *   width         pixels a row, 1 or more; below 5 nothing is written
+ *   height        rows, 1 or more; below 5 nothing is written
+ *   dst           the result, of the same shape; not NULL, not src, and without a pixel of its memory. Two pixels at
+ *                 each edge are not written
+ *   bytesPerPixel channels, 1 to 8
+ *   srcRowStride  bytes from one row of src to the next, >= width * bytesPerPixel; not 0
+ *   dstRowStride  bytes from one row of dst to the next, >= width * bytesPerPixel; not 0; padding is not touched
+ *   noiseLevel    and
+ *   bandFactor    make q, their product, in levels; 0 or more
+ *   channelMask   bit c selects channel c; a channel that is not selected is not written, and bits beyond the channels
+ *                 are ignored
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written), ZLV40_ERROR_OUT_OF_MEMORY (nothing is written) or
+ * ZLV40_ERROR_CANCELLED.
+ * Progress as (row, height) after each row that can be written, from row 2 to row height - 3; can be cancelled, rows
+ * done so far stay. Works on the calling thread. */
+#define ZLV40_AdaptiveDWMTMFilter _ZLV40_AdaptiveDWMTMFilter
+ZLV40_API uint32_t ZLV40_AdaptiveDWMTMFilter(const uint8_t* src, int32_t width, int32_t height, uint8_t* dst,
+                                             uint32_t bytesPerPixel, uint32_t srcRowStride, uint32_t dstRowStride,
+                                             double noiseLevel, double bandFactor, uint32_t channelMask);
+
+/* Finds the mean of each channel, truncated to an integer. The sum has 32 bits and wraps: a white image of more than
+ * 16,843,009 pixels has a smaller mean than 255.
  *   src            height rows of width pixels, 8 bits a sample, interleaved; not NULL, only read
- *   width          pixels a row, 1 or more
- *   height         rows, 1 or more
- *   srcRowStride   bytes from one row of src to the next
- *   dst            receives an image of the same shape; not NULL; must not overlap src
- *   dstRowStride   bytes from one row of dst to the next; padding is not touched
- *   bytesPerPixel  channels, 1 or more; all of them are blurred
- *   angle          degrees, of a linear walk: 0 goes down, 90 to the right; not looked at in the other modes
- *   amount         how far a step goes: pixels of a linear walk; in spin mode 1 / (10 pi) radians; in zoom mode
- *                  percent of the distance to the centre
- *   steps          samples on a walk at most; with 0 or less src is copied. Linear walks may be as long as they like,
- *                  the others have at most ZLV40_MOST_MOTION_STEPS
- *   mode           a ZLV40_MotionMode
- * The centre is the pixel (width / 2, height / 2). Step 0 is the pixel itself. Step i lies i * amount * (sin(angle),
- * cos(angle)) from it; or is it rotated by (i - steps / 2) * amount / pi / 10 around the centre (steps / 2 in whole
- * numbers); or has 1 - i * amount / 100 of its distance to the centre. Positions are truncated to pixels. A walk ends
- * where it leaves the image: at the edges fewer samples are averaged, and none is repeated. The mean is truncated.
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written; so too when two steps or more are to be walked by
- * an angle or amount that is not finite) or ZLV40_ERROR_CANCELLED.
- * Progress once a row; can be cancelled, rows done so far stay written. Works on the calling thread. */
-#define ZLV40_MotionBlur _ZLV40_MotionBlur
-ZLV40_API uint32_t ZLV40_MotionBlur(const uint8_t* src, int32_t width, int32_t height, uint32_t srcRowStride,
-                                    uint8_t* dst, uint32_t dstRowStride, uint32_t bytesPerPixel, double angle,
-                                    double amount, int32_t steps, int32_t mode);
-
-/* Adds Gaussian noise to an image, in place.
- *   image          height rows of width pixels, 8 bits a sample, interleaved; not NULL
- *   width          pixels a row, 1 or more
- *   height         rows, 1 or more
+ *   width, height  1 or more, together less than 2^32 pixels
  *   bytesPerPixel  channels, 1 to 8
- *   rowStride      bytes from one row to the next; padding is not touched
- *   variance       of the noise, in squared levels: 0 to 1e307; with 0 the mean alone is added
- *   mean           of the noise, in levels; finite
- *   monochrome     0 draws a value for each selected sample of a pixel, channel 0 first; otherwise one is drawn for
- *                  each pixel and added to all its selected samples, even if none is
- *   channelMask    bit c selects channel c; the others are left alone
- * A sample v becomes v + noise, truncated and limited to 0..255. A value takes two draws U1, U2 of the random
- * generator: it is cos(t) * r + mean with r = sqrt(-2 * variance * ln(1 - U1 / 32767.1)) and t = U2 * 0.00019175345 -
- * pi.
- * The random generator is the calling thread's own: it starts from 1 with the thread, goes on from call to call, and
- * gives the same draws on every thread. state = state * 214013 + 2531011; a draw is bits 16 to 30 of it.
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written) or ZLV40_ERROR_CANCELLED.
- * Progress once a row; can be cancelled, rows done so far stay changed. Works on the calling thread.
- * Source: G. E. P. Box, M. E. Muller, "A note on the generation of random normal deviates", Ann. Math. Statist. 29
- * (1958). */
-#define ZLV40_AddGaussianNoise _ZLV40_AddGaussianNoise
-ZLV40_API uint32_t ZLV40_AddGaussianNoise(uint8_t* image, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
-                                          uint32_t rowStride, double variance, double mean, int32_t monochrome,
-                                          uint32_t channelMask);
+ *   rowStride      bytes from one row to the next, >= width * bytesPerPixel; not 0
+ *   means          one number a channel, 0 to 255; not NULL. Those of channels that are not selected are not written
+ *   channelMask    bit c selects channel c; bits beyond the channels are ignored
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written). A success leaves the last error as it was.
+ * Never reports progress and can't be cancelled. Works on the calling thread. */
+#define ZLV40_FindImageMean _ZLV40_FindImageMean
+ZLV40_API uint32_t ZLV40_FindImageMean(const uint8_t* src, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
+                                       uint32_t rowStride, double* means, uint32_t channelMask);
 
-/* Adds uniform noise to an image, in place. Arguments, errors, progress and draws as with ZLV40_AddGaussianNoise, but a
- * value takes one draw U: it is U * (s * 0.0001057192) + mean - s * 1.7320508 with s = sqrt(variance). */
-#define ZLV40_AddUniformNoise _ZLV40_AddUniformNoise
-ZLV40_API uint32_t ZLV40_AddUniformNoise(uint8_t* image, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
-                                         uint32_t rowStride, double variance, double mean, int32_t monochrome,
-                                         uint32_t channelMask);
+/* Finds the standard deviation of each channel: the root of the mean squared difference from the mean as
+ * ZLV40_FindImageMean truncates it, and so a little more than that from the exact mean.
+ *   src            height rows of width pixels, 8 bits a sample, interleaved; not NULL, only read
+ *   width, height  1 or more, together less than 2^32 pixels
+ *   bytesPerPixel  channels, 1 to 8
+ *   rowStride      bytes from one row to the next, >= width * bytesPerPixel; not 0
+ *   deviations     one number a channel, in levels; not NULL. Those of channels that are not selected are not written
+ *   channelMask    bit c selects channel c; bits beyond the channels are ignored
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written) or ZLV40_ERROR_CANCELLED. A success leaves the
+ * last error as it was.
+ * Progress as (channel, bytesPerPixel) for each selected channel; can be cancelled, deviations written so far stay.
+ * Works on the calling thread. */
+#define ZLV40_FindImageStandardDeviation _ZLV40_FindImageStandardDeviation
+ZLV40_API uint32_t ZLV40_FindImageStandardDeviation(const uint8_t* src, uint32_t width, uint32_t height,
+                                                    uint32_t bytesPerPixel, uint32_t rowStride, double* deviations,
+                                                    uint32_t channelMask);
 
-/* Adds negative exponential noise to an image, in place: it only brightens. Arguments, errors, progress and draws as
- * with ZLV40_AddGaussianNoise, without a mean; with a variance of 0 nothing is added. A value takes two draws: it is
- * r * r with r = sqrt(-2 * s * ln(1 - U1 / 32767.1)) and s = sqrt(variance / 2), computed as the sum of the squares of
- * r * cos(t) and r * sin(t) with t = U2 * 0.00019175345 - pi. */
-#define ZLV40_AddNegativeExpNoise _ZLV40_AddNegativeExpNoise
-ZLV40_API uint32_t ZLV40_AddNegativeExpNoise(uint8_t* image, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
-                                             uint32_t rowStride, double variance, int32_t monochrome,
-                                             uint32_t channelMask);
+/* Flag of ZLV40_LocalHistogramEnhancement. */
+enum ZLV40_EnhancementFlag {
+    ZLV40_DARK_REGIONS = 256 /* regions darker than a part of the image's mean, instead of brighter ones */
+};
 
-/* Adds Rayleigh noise to an image, in place: it only brightens. Arguments, errors, progress and draws as with
- * ZLV40_AddGaussianNoise, without a mean; with a variance of 0 nothing is added. A value takes one draw U: it is
- * sqrt(-2 * 2.3299 * variance * ln(1 - U / 32767.1)). */
-#define ZLV40_AddRayleighNoise _ZLV40_AddRayleighNoise
-ZLV40_API uint32_t ZLV40_AddRayleighNoise(uint8_t* image, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
-                                          uint32_t rowStride, double variance, int32_t monochrome,
-                                          uint32_t channelMask);
+/* Enhances regions by their local mean and contrast (R. C. Gonzalez, R. E. Woods, Digital Image Processing, chapter
+ * "Histogram processing"). A sample of a selected channel is multiplied by the gain where its window has a deviation s
+ * that is neither below deviations[c] * lowDeviationFactor nor above deviations[c] * highDeviationFactor, and a mean m
+ * that is not below means[c] * meanFactor, or, with ZLV40_DARK_REGIONS, not above it. Otherwise it is copied.
+ *   src                  height rows of width pixels, 8 bits a sample, interleaved; not NULL, only read
+ *   width                pixels a row, 1 or more
+ *   height               rows, 1 or more
+ *   bytesPerPixel        channels, 1 to 8
+ *   srcRowStride         bytes from one row of src to the next, >= width * bytesPerPixel; not 0
+ *   dst                  the result, of the same shape; not NULL, not src, and without a pixel of its memory
+ *   dstRowStride         bytes from one row of dst to the next, >= width * bytesPerPixel; not 0; padding is not touched
+ *   windowSize           edge of the window in pixels, 1 to 65535, also beyond the image, whose border pixels repeat.
+ *                        The window of an even size is one pixel wider and higher, but its sums are divided by
+ *                        windowSize * windowSize all the same: m and s are larger than they are
+ *   means                one number a channel, as from ZLV40_FindImageMean; not NULL, only read
+ *   deviations           one number a channel, as from ZLV40_FindImageStandardDeviation; not NULL, only read
+ *   meanFactor, lowDeviationFactor, highDeviationFactor
+ *                        any number. A comparison with what is not a number is not true, and the sample is enhanced
+ *   gain                 -8421504 to 8421504. The product is truncated and its low eight bits are stored: 256 is 0
+ *   flags                bits 0 to 7 select channels (a channel that is not selected is not written); and
+ *                        ZLV40_DARK_REGIONS
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written), ZLV40_ERROR_OUT_OF_MEMORY (nothing is written) or
+ * ZLV40_ERROR_CANCELLED. The time it takes hardly depends on windowSize.
+ * Progress once a row; can be cancelled, rows done so far stay. Works on the calling thread. */
+#define ZLV40_LocalHistogramEnhancement _ZLV40_LocalHistogramEnhancement
+ZLV40_API uint32_t ZLV40_LocalHistogramEnhancement(const uint8_t* src, uint32_t width, uint32_t height,
+                                                   uint32_t bytesPerPixel, uint32_t srcRowStride, uint8_t* dst,
+                                                   uint32_t dstRowStride, uint32_t windowSize, const double* means,
+                                                   const double* deviations, double meanFactor,
+                                                   double lowDeviationFactor, double highDeviationFactor, double gain,
+                                                   uint32_t flags);
+
 /* ---- Edges and bilateral smoothing -------------------------------------------------------------------------- */
+
+/* How the weights of ZLV40_BilateralFilterImage fall with a distance. */
+enum ZLV40_WeightKind {
+    ZLV40_WEIGHTS_GAUSSIAN = 0, /* along a bell; so does any value that is not listed */
+    ZLV40_WEIGHTS_LINEAR = 1,   /* evenly, down to 0 at sigma */
+    ZLV40_WEIGHTS_COSINE = 2,   /* along a quarter of a wave, down to 0 at sigma */
+    ZLV40_WEIGHTS_BOX = 3       /* not at all up to sigma, and 0 beyond it */
+};
 
 /* Smooths an image and keeps its edges: every sample becomes an average of the samples in a window around it, weighted
  * by their distance and by their difference from it (C. Tomasi and R. Manduchi, Bilateral Filtering for Gray and Color
@@ -782,351 +737,91 @@ ZLV40_API uint32_t ZLV40_CannyEdgeDetector(const uint8_t* src, uint32_t width, u
                                            uint8_t* dst, uint32_t dstRowStride, double sigma, double lowFraction,
                                            double highFraction);
 
-/* ---- Warps -------------------------------------------------------------------------------------------------- */
+/* ---- Noise and motion --------------------------------------------------------------------------------------- */
 
-/* Each thread has a list of warps. The ZLV40_Add functions below put one at its end, ZLV40_TransformProcess sends a
- * picture through all of them as often as wanted, ZLV40_ClearAllTransforms empties it.
- * A warp says where a pixel comes from. Every pixel's own position goes through the list from the first warp to the
- * last one, and the picture is read where it arrives: the warp that was added last acts on the picture first. Pixel
- * (0, 0) is at the top left, x grows to the right and y down, whole coordinates are pixels. A warp calling a position
- * outside ends its way: the pixel gets the fill.
- * width and height of an Add function are those of the pictures to come; the warp's centre is
- * ((width - 1) / 2, (height - 1) / 2), and its half diagonal is the distance from there to a corner. A list may be used
- * with pictures of another size: nothing but the result depends on it. Angles are in degrees, lengths in pixels.
- * Arguments that are no number lead to positions that are none, and those are outside; a radius that is none holds no
- * position.
- * Add functions return 1; or 0 with ZLV40_ERROR_OUT_OF_MEMORY or the code that they name, and the list as it was. They
- * report no progress. */
+/* What ZLV40_MotionBlur walks along. Any other value is linear too. */
+enum ZLV40_MotionMode {
+    ZLV40_MOTION_LINEAR = 0, /* a straight line */
+    ZLV40_MOTION_SPIN = 1,   /* arcs around the image's centre */
+    ZLV40_MOTION_ZOOM = 2    /* rays towards the image's centre */
+};
 
-/* Empties this thread's warp list. */
-#define ZLV40_ClearAllTransforms _ZLV40_ClearAllTransforms
-ZLV40_API void ZLV40_ClearAllTransforms(void);
+enum { ZLV40_MOST_MOTION_STEPS = 8421504 /* on an arc or a ray: the sum of so many samples fits 32 bits */ };
 
-/* Finds how far the positions of all pixels of a picture spread after this thread's warp list, whatever the warps call
- * outside: a step over every pixel, which takes the time of a warp without sampling.
- *   width, height  of the picture; for an empty one the minima are its sizes and the maxima 0
- *   minX, minY     receive the smallest coordinates, but not more than width and height; not NULL
- *   maxX           receives the largest x, but not less than 0; not NULL
- *   maxY           receives the same number as maxX, not a y; not NULL
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT for NULL. No progress. */
-#define ZLV40_GetTransformDimensions _ZLV40_GetTransformDimensions
-ZLV40_API uint32_t ZLV40_GetTransformDimensions(uint32_t width, uint32_t height, double* minX, double* minY,
-                                                double* maxX, double* maxY);
-
-/* Sends a picture through this thread's warp list. An empty list copies it.
- *   src            height rows of width pixels, 8 bits a sample, interleaved; not NULL; not changed
- *   width, height  of both images; nothing is written when one is 0
+/* Blurs an image along a path: every sample becomes the mean of samples of its channel on a walk that begins at it.
+ *   src            height rows of width pixels, 8 bits a sample, interleaved; not NULL, only read
+ *   width          pixels a row, 1 or more
+ *   height         rows, 1 or more
  *   srcRowStride   bytes from one row of src to the next
- *   dst            an image of the same shape, not NULL; does not overlap src. Padding is not touched
- *   dstRowStride   bytes from one row of dst to the next
- *   bytesPerPixel  channels, 0 or more; nothing is written for 0
- *   flags          a ZLV40_SAMPLING_ value; and
- *                  ZLV40_KEEP_DESTINATION takes what dst holds in place of background
- *                  ZLV40_CLAMP_POINTS moves positions outside the picture to its edge, but for those that a warp calls
- *                  outside
- *   background     what is outside the picture: its lowest byte is channel 0, the highest channel 3; channels behind
- *                  are 0
- * Sampling at (x, y):
- *   nearest   any fraction leads to the next pixel to the right or down. 0 to width and 0 to height are inside
- *   bilinear  the four pixels around, truncated. Towards the outside the picture fades into the fill over one pixel
- *   bicubic   the sixteen pixels around with cubic convolution (R. G. Keys, 1981, parameter -1), rounded; those that
- *             are outside count as the fill
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written) or ZLV40_ERROR_CANCELLED (rows done so far stay).
- * The list is as before either way. Progress once a row. Works on the calling thread. */
-#define ZLV40_TransformProcess _ZLV40_TransformProcess
-ZLV40_API uint32_t ZLV40_TransformProcess(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcRowStride,
-                                          uint8_t* dst, uint32_t dstRowStride, int32_t bytesPerPixel, uint32_t flags,
-                                          uint32_t background);
+ *   dst            receives an image of the same shape; not NULL; must not overlap src
+ *   dstRowStride   bytes from one row of dst to the next; padding is not touched
+ *   bytesPerPixel  channels, 1 or more; all of them are blurred
+ *   angle          degrees, of a linear walk: 0 goes down, 90 to the right; not looked at in the other modes
+ *   amount         how far a step goes: pixels of a linear walk; in spin mode 1 / (10 pi) radians; in zoom mode
+ *                  percent of the distance to the centre
+ *   steps          samples on a walk at most; with 0 or less src is copied. Linear walks may be as long as they like,
+ *                  the others have at most ZLV40_MOST_MOTION_STEPS
+ *   mode           a ZLV40_MotionMode
+ * The centre is the pixel (width / 2, height / 2). Step 0 is the pixel itself. Step i lies i * amount * (sin(angle),
+ * cos(angle)) from it; or is it rotated by (i - steps / 2) * amount / pi / 10 around the centre (steps / 2 in whole
+ * numbers); or has 1 - i * amount / 100 of its distance to the centre. Positions are truncated to pixels. A walk ends
+ * where it leaves the image: at the edges fewer samples are averaged, and none is repeated. The mean is truncated.
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written; so too when two steps or more are to be walked by
+ * an angle or amount that is not finite) or ZLV40_ERROR_CANCELLED.
+ * Progress once a row; can be cancelled, rows done so far stay written. Works on the calling thread. */
+#define ZLV40_MotionBlur _ZLV40_MotionBlur
+ZLV40_API uint32_t ZLV40_MotionBlur(const uint8_t* src, int32_t width, int32_t height, uint32_t srcRowStride,
+                                    uint8_t* dst, uint32_t dstRowStride, uint32_t bytesPerPixel, double angle,
+                                    double amount, int32_t steps, int32_t mode);
 
-/* Squeezes the picture into an ellipse with the picture's centre, moved by the offset: rows, columns or both are each
- * stretched from the width that the ellipse has there to the whole size. Positions outside the ellipse, and those that
- * are outside the picture's frame moved by the offset, are outside.
- *   semiAxisX, semiAxisY  half the ellipse's width and height in pixels; their signs do not matter. 0 is refused with
- *                         ZLV40_ERROR_BAD_ARGUMENT
- *   offsetX, offsetY      of the frame to the right and down
- *   mode                  a ZLV40_SQUEEZE_ value. Below 0 nothing is squeezed or moved, and the frame's outside is
- *                         outside all the same; above them it is refused with ZLV40_ERROR_BAD_ARGUMENT
- * An empty width or height is taken for an empty frame, of which the position of the offset alone is inside. */
-#define ZLV40_AddEllipticalTransform _ZLV40_AddEllipticalTransform
-ZLV40_API uint32_t ZLV40_AddEllipticalTransform(uint32_t width, uint32_t height, double semiAxisX, double semiAxisY,
-                                                int32_t offsetX, int32_t offsetY, int32_t mode);
+/* Adds Gaussian noise to an image, in place.
+ *   image          height rows of width pixels, 8 bits a sample, interleaved; not NULL
+ *   width          pixels a row, 1 or more
+ *   height         rows, 1 or more
+ *   bytesPerPixel  channels, 1 to 8
+ *   rowStride      bytes from one row to the next; padding is not touched
+ *   variance       of the noise, in squared levels: 0 to 1e307; with 0 the mean alone is added
+ *   mean           of the noise, in levels; finite
+ *   monochrome     0 draws a value for each selected sample of a pixel, channel 0 first; otherwise one is drawn for
+ *                  each pixel and added to all its selected samples, even if none is
+ *   channelMask    bit c selects channel c; the others are left alone
+ * A sample v becomes v + noise, truncated and limited to 0..255. A value takes two draws U1, U2 of the random
+ * generator: it is cos(t) * r + mean with r = sqrt(-2 * variance * ln(1 - U1 / 32767.1)) and t = U2 * 0.00019175345 -
+ * pi.
+ * The random generator is the calling thread's own: it starts from 1 with the thread, goes on from call to call, and
+ * gives the same draws on every thread. state = state * 214013 + 2531011; a draw is bits 16 to 30 of it.
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written) or ZLV40_ERROR_CANCELLED.
+ * Progress once a row; can be cancelled, rows done so far stay changed. Works on the calling thread.
+ * Source: G. E. P. Box, M. E. Muller, "A note on the generation of random normal deviates", Ann. Math. Statist. 29
+ * (1958). */
+#define ZLV40_AddGaussianNoise _ZLV40_AddGaussianNoise
+ZLV40_API uint32_t ZLV40_AddGaussianNoise(uint8_t* image, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
+                                          uint32_t rowStride, double variance, double mean, int32_t monochrome,
+                                          uint32_t channelMask);
 
-/* Magnifies a round area: a position at the distance r from the centre comes from r * sin(pi / 2 * r / half diagonal).
- * The radius limits the area only; the bend depends on the picture's size. (Straight above and below the centre x is
- * moved by offsetX on top.)
- *   radius            of the area, the rim included; 0 and an empty width or height are refused with
- *                     ZLV40_ERROR_BAD_ARGUMENT; below 0 and for NaN no point is in it
- *   offsetX, offsetY  of the centre to the right and down */
-#define ZLV40_AddLensTransform _ZLV40_AddLensTransform
-ZLV40_API uint32_t ZLV40_AddLensTransform(uint32_t width, uint32_t height, double radius, int32_t offsetX,
-                                          int32_t offsetY);
+/* Adds uniform noise to an image, in place. Arguments, errors, progress and draws as with ZLV40_AddGaussianNoise, but a
+ * value takes one draw U: it is U * (s * 0.0001057192) + mean - s * 1.7320508 with s = sqrt(variance). */
+#define ZLV40_AddUniformNoise _ZLV40_AddUniformNoise
+ZLV40_API uint32_t ZLV40_AddUniformNoise(uint8_t* image, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
+                                         uint32_t rowStride, double variance, double mean, int32_t monochrome,
+                                         uint32_t channelMask);
 
-/* Shifts the picture by shiftX to the right and shiftY down.
- *   wrap  a ZLV40_WRAP_ value: on these axes what is below 0 is moved by the picture's size once, and then what is
- *         above the last pixel is moved back once */
-#define ZLV40_AddOffsetTransform _ZLV40_AddOffsetTransform
-ZLV40_API uint32_t ZLV40_AddOffsetTransform(uint32_t width, uint32_t height, double shiftX, double shiftY,
-                                            uint32_t wrap);
+/* Adds negative exponential noise to an image, in place: it only brightens. Arguments, errors, progress and draws as
+ * with ZLV40_AddGaussianNoise, without a mean; with a variance of 0 nothing is added. A value takes two draws: it is
+ * r * r with r = sqrt(-2 * s * ln(1 - U1 / 32767.1)) and s = sqrt(variance / 2), computed as the sum of the squares of
+ * r * cos(t) and r * sin(t) with t = U2 * 0.00019175345 - pi. */
+#define ZLV40_AddNegativeExpNoise _ZLV40_AddNegativeExpNoise
+ZLV40_API uint32_t ZLV40_AddNegativeExpNoise(uint8_t* image, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
+                                             uint32_t rowStride, double variance, int32_t monochrome,
+                                             uint32_t channelMask);
 
-/* Pinches a round area: a position at the distance r from the centre comes from r + strength * (1 - r / half diagonal),
- * but never from beyond the centre.
- *   radius            as for the lens
- *   strength          in pixels: above 0 the picture shrinks towards the centre, below 0 it grows
- *   offsetX, offsetY  of the centre to the right and down */
-#define ZLV40_AddPinchTransform _ZLV40_AddPinchTransform
-ZLV40_API uint32_t ZLV40_AddPinchTransform(uint32_t width, uint32_t height, double radius, double strength,
-                                           int32_t offsetX, int32_t offsetY);
-
-/* Draws the whole picture towards a centre or drives it away: a position at the distance r from the centre comes from
- * r + strength * s, but never from beyond the centre. The centre itself stays. With u = r / half diagonal, f = the
- * frequency and w = u - 0.7, s is
- *   ZLV40_ATTRACT_LINEAR  1 - u f                    ZLV40_ATTRACT_SQUARE  -u f + (u f)^2
- *   ZLV40_ATTRACT_SINE    sin(pi u f)                ZLV40_ATTRACT_CUBIC   (18 w^3 + 12 w^2 + w - 2) / 2 + 1.5
- *   ZLV40_ATTRACT_COSINE  cos(pi u f) / 2 + 1 / 2    ZLV40_ATTRACT_ARC     atan(u f)
- * and 0 for any other mode.
- *   strength          in pixels
- *   offsetX, offsetY  of the centre to the right and down
- *   mode              a ZLV40_ATTRACT_ value
- * An empty width or height is refused with ZLV40_ERROR_BAD_ARGUMENT. */
-#define ZLV40_AddPointAttractorTransform _ZLV40_AddPointAttractorTransform
-ZLV40_API uint32_t ZLV40_AddPointAttractorTransform(uint32_t width, uint32_t height, double strength, int32_t offsetX,
-                                                    int32_t offsetY, uint32_t mode, double frequency);
-
-/* Squeezes the picture into a convex polygon: each of its rows is stretched to the whole width, each of its columns to
- * the whole height, or both. What is outside the polygon, or the picture, is outside.
- *   polygon     pointCount points, in any order: their convex hull counts. Not kept. It is refused with
- *               ZLV40_ERROR_BAD_ARGUMENT when it is NULL, has fewer than three points, has them all in a line, covers
- *               no pixel's centre or billions of rows; so it is without memory for its rows
- *   mode        a ZLV40_POLYGON_ value. A span's ends are inside when rows alone are squeezed, otherwise outside. Any
- *               other value changes nothing but that the picture's outside is outside
- * An empty width or height is taken for a picture of one point, (0, 0). */
-#define ZLV40_AddPolygonTransform _ZLV40_AddPolygonTransform
-ZLV40_API uint32_t ZLV40_AddPolygonTransform(uint32_t width, uint32_t height, const point* polygon, uint32_t pointCount,
-                                             uint32_t mode);
-
-/* Scatters the pixels: each position moves by random amounts in x and y, above -amount / 2 and up to amount / 2, in
- * steps of a thousandth of it. Seeds this thread's random generator with the time in seconds, and draws from it with
- * every use, two numbers for each position that gets here: no two runs are alike.
- * An empty width or height is refused with ZLV40_ERROR_BAD_ARGUMENT. */
-#define ZLV40_AddRandomTransform _ZLV40_AddRandomTransform
-ZLV40_API uint32_t ZLV40_AddRandomTransform(uint32_t width, uint32_t height, double amount);
-
-/* Rings like those on water: with t = r / radius, a position at the distance r from the centre comes from
- * r + amplitude * sin(pi t frequency) * weight, beyond the centre if that is below 0.
- *   radius            of the area, the rim and the centre included; 0 is refused with ZLV40_ERROR_BAD_ARGUMENT; below 0
- *                     and for NaN no point is in it
- *   amplitude         in pixels
- *   frequency         half waves from the centre to the rim
- *   offsetX, offsetY  of the centre to the right and down
- *   falloff           a ZLV40_RIPPLE_ value: the weight is 1 (even), 1 - t (linear), (1 - t)^2 (square),
- *                     sin(pi t / 2) (sine) or cos(pi t / 2) (cosine)
- * An empty width or height is taken: the centre is at the offset from (0, 0) then. */
-#define ZLV40_AddRippleTransform _ZLV40_AddRippleTransform
-ZLV40_API uint32_t ZLV40_AddRippleTransform(uint32_t width, uint32_t height, double radius, double amplitude,
-                                            double frequency, double offsetX, double offsetY, uint32_t falloff);
-
-/* Turns a round area, in its centre by the whole angle and less and less towards the rim.
- *   radius            as for the lens
- *   angleDegrees      above 0 what is seen turns counterclockwise
- *   offsetX, offsetY  of the centre to the right and down */
-#define ZLV40_AddSpinTransform _ZLV40_AddSpinTransform
-ZLV40_API uint32_t ZLV40_AddSpinTransform(uint32_t width, uint32_t height, double radius, double angleDegrees,
-                                          int32_t offsetX, int32_t offsetY);
-
-/* Turns a round area in waves: at the distance r from the centre by angleDegrees * (1 - q cos(q frequency)), with
- * q = r / radius. Everything else is as for ZLV40_AddSpinTransform. */
-#define ZLV40_AddSpinWaveTransform _ZLV40_AddSpinWaveTransform
-ZLV40_API uint32_t ZLV40_AddSpinWaveTransform(uint32_t width, uint32_t height, double radius, double angleDegrees,
-                                              double frequency, int32_t offsetX, int32_t offsetY);
-
-/* Warps by a function of the client's. width and height are not looked at.
- *   callback  not NULL, or ZLV40_ERROR_BAD_ARGUMENT
- *   userData  handed to every call of it */
-#define ZLV40_AddUserTransform _ZLV40_AddUserTransform
-ZLV40_API uint32_t ZLV40_AddUserTransform(uint32_t width, uint32_t height, ZLVWarpFunction callback, void* userData);
-
-/* Blows the picture's middle up: a position at the distance r from the centre comes from (1 - g) * r, with
- * g = r / half diagonal or, for ZLV40_WOW_SINE, g = sin(pi / 8 * r / half diagonal). Beyond the half diagonal the first
- * one is on the other side of the centre.
- *   radius  as for the lens
- *   mode    a ZLV40_WOW_ value */
-#define ZLV40_AddWowTransform _ZLV40_AddWowTransform
-ZLV40_API uint32_t ZLV40_AddWowTransform(uint32_t width, uint32_t height, double radius, uint32_t mode);
-
-/* Displaces pixels by the slopes of a relief, which repeats itself to all sides: where it rises to the right a pixel
- * comes from further left, where it rises downwards from further down.
- *   strength  pixels for each of three neighbours that rises from 0 to 1 between one side and the other
- *   bumpMap   mapHeight rows of mapWidth heights without gaps, 0..255 for 0 to 1; not NULL, or
- *             ZLV40_ERROR_BAD_ARGUMENT. Read when pictures are processed, not copied: it stays valid until the list is
- *             cleared
- *   mapWidth, mapHeight  1 or more, or ZLV40_ERROR_BAD_ARGUMENT
- * Coordinates are truncated to integers towards 0. What is no number, or not within 64 bits, reads column or row 0. */
-#define ZLV40_AddBumpMapDisplacementTransform _ZLV40_AddBumpMapDisplacementTransform
-ZLV40_API uint32_t ZLV40_AddBumpMapDisplacementTransform(uint32_t width, uint32_t height, double strength,
-                                                         const uint8_t* bumpMap, uint32_t mapWidth, uint32_t mapHeight);
-
-/* Displaces pixels around the contours of a field of Perlin noise, which is made for this warp and draws from the
- * calling thread's random generator (see ZLV40_InitializePerlinNoise3D).
- *   strength        pixels for a slope of noise: the difference of three neighbours from the three opposite ones
- *   scaleX, scaleY  the size of the noise's features in pixels; not 0, or ZLV40_ERROR_OUT_OF_MEMORY
- * Where the noise is no number, pixels are outside. */
-#define ZLV40_AddPerlinDisplacementTransform _ZLV40_AddPerlinDisplacementTransform
-ZLV40_API uint32_t ZLV40_AddPerlinDisplacementTransform(uint32_t width, uint32_t height, double strength, double scaleX,
-                                                        double scaleY);
-
-/* Moves every pixel by scaleY, in a direction that turns with a field of Perlin noise, made as above.
- *   cycles          turns from the lowest to the highest noise
- *   scaleX, scaleY  the size of the noise's features in pixels; not 0, or ZLV40_ERROR_OUT_OF_MEMORY
- * Empty sizes give ZLV40_ERROR_BAD_ARGUMENT. Where the noise is no number, pixels stay. */
-#define ZLV40_AddMarbleTransform _ZLV40_AddMarbleTransform
-ZLV40_API uint32_t ZLV40_AddMarbleTransform(uint32_t width, uint32_t height, double cycles, double scaleX,
-                                            double scaleY);
-
-/* Looks through a wall of glass blocks.
- *   tileWidth, tileHeight  of a block in pixels, 1 or more, or ZLV40_ERROR_BAD_ARGUMENT
- *   bevelWidth             of the bevelled edges in pixels
- *   bevelStrength          how far the edge itself displaces, in pixels
- *   flatBevel              not 0: edges have no ripples
- *   zoom                   below 1 each block shows all of the picture at that size around its own place
- *   noiseScale             of the ripples, which are ZLV40_GeneratePerlinNoise of this scale, made anew for every
- *                          block: many small ones take their time
- *   bumpStrength           pixels for a slope of the ripples by 1 of 255 levels
- * Points are moved into the picture. Far outside it there are no ripples; with an empty size nothing is displaced. */
-#define ZLV40_AddGlassBlockTransform _ZLV40_AddGlassBlockTransform
-ZLV40_API uint32_t ZLV40_AddGlassBlockTransform(uint32_t width, uint32_t height, uint32_t tileWidth,
-                                                uint32_t tileHeight, uint32_t bevelWidth, uint32_t bevelStrength,
-                                                uint32_t flatBevel, double zoom, double noiseScale,
-                                                double bumpStrength);
-
-/* The next three bend the line through the middle of the picture. The picture is stretched on both sides of the line,
- * its edges stay where they are. A position beyond the picture along the line goes to 0 or the size there, one that is
- * no number stays. All refuse empty sizes with ZLV40_ERROR_BAD_ARGUMENT. */
-
-/* Bends the middle row or column to a slanted line.
- *   start, end  where it is in the first and in the last column (or row), in pixels; anywhere
- *   mode        a ZLV40_SHIFT_ value: ZLV40_SHIFT_Y bends the middle row, ZLV40_SHIFT_X the middle column */
-#define ZLV40_AddLineSliceTransform _ZLV40_AddLineSliceTransform
-ZLV40_API uint32_t ZLV40_AddLineSliceTransform(uint32_t width, uint32_t height, int32_t start, int32_t end,
-                                               uint32_t mode);
-
-/* Bends the middle row or column to a wave.
- *   amplitudePercent  of the picture's size in the direction in which pixels are shifted
- *   cycles            half periods from the first to the last pixel of the line
- *   mode              a ZLV40_WAVE_ value: those for Y bend the middle row, those for X the middle column
- * A picture of one column (or row) has no wave: with these modes all of it is outside. */
-#define ZLV40_AddWaveTransform _ZLV40_AddWaveTransform
-ZLV40_API uint32_t ZLV40_AddWaveTransform(uint32_t width, uint32_t height, double amplitudePercent, double cycles,
-                                          uint32_t mode);
-
-/* Bends the middle row or column to teeth.
- *   amplitudePercent  from the points of the teeth to their gaps, of the picture's size along the line
- *   teeth             1 to the pixels along the line, or ZLV40_ERROR_BAD_ARGUMENT
- *   mode              a ZLV40_SHIFT_ value: ZLV40_SHIFT_Y bends the middle row, ZLV40_SHIFT_X the middle column
- * Teeth of 2 or 3 pixels have no slope: there the picture is outside, or at its edge. */
-#define ZLV40_AddZigZagTransform _ZLV40_AddZigZagTransform
-ZLV40_API uint32_t ZLV40_AddZigZagTransform(uint32_t width, uint32_t height, double amplitudePercent, int32_t teeth,
-                                            uint32_t mode);
-
-/* ---- Frequencies -------------------------------------------------------------------------------------------- */
-
-/* Grids. The functions below work on a grid of complex values: height rows of width values, a value two doubles, the
- * real part first, without padding. The grid is the caller's, and all that there is: each call is told its size again.
- * The frequency 0 stands in the corners. None of these functions reports progress, none can be cancelled, all work on
- * the calling thread. A grid is for one call at a time. */
-
-/* Tells the smallest power of two above a number, but at least 4: 4 for 0 to 3, 8 for 4 to 7.
- *   value  the number; from 2147483648 on the result is 0, as no such power has 32 bits
- * Leaves the last error alone. */
-#define ZLV40_NextPowerOfTwo _ZLV40_NextPowerOfTwo
-ZLV40_API uint32_t ZLV40_NextPowerOfTwo(uint32_t value);
-
-/* Gives a grid of zeros, 16 * width * height bytes. The caller frees it with ZLV40_FreeBlock.
- *   width, height  powers of two, 4 or more
- * Returns the grid; or NULL with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY. */
-#define ZLV40_AllocFFTGrid _ZLV40_AllocFFTGrid
-ZLV40_API double* ZLV40_AllocFFTGrid(uint32_t width, uint32_t height);
-
-/* Transforms a gray picture into the frequencies of its difference from its mean, divided by width * height (J. W.
- * Cooley and J. W. Tukey, An Algorithm for the Machine Calculation of Complex Fourier Series, 1965).
- *   srcBytes       height rows of width samples of 8 bits, or NULL; not changed
- *   srcDoubles     height rows of width doubles, or NULL; not changed. Exactly one of the two is given
- *   width, height  powers of two, 2 or more
- *   srcRowStride   samples (bytes or doubles) from one row of the source to the next, >= width
- *   grid           receives the frequencies; apart from the source
- * Returns 1, also when the transform fails: then the last error is ZLV40_ERROR_BAD_ARGUMENT (a size is no power of two
- * from 2 up, or there is no memory for the rows) or ZLV40_ERROR_OUT_OF_MEMORY (no memory for the columns, or a height
- * of 0), and the grid holds the picture less its mean, its rows transformed or not.
- * Returns 0 with ZLV40_ERROR_BAD_ARGUMENT when both sources or neither is given (nothing is written), or 0 with
- * ZLV40_ERROR_OUT_OF_MEMORY when this thread's records can't be had. Returns 5 and leaves the last error 0 when grid is
- * NULL. */
-#define ZLV40_DoFFT _ZLV40_DoFFT
-ZLV40_API uint32_t ZLV40_DoFFT(const uint8_t* srcBytes, const double* srcDoubles, uint32_t width, uint32_t height,
-                               uint32_t srcRowStride, double* grid);
-
-/* Transforms frequencies back, in place: after ZLV40_DoFFT the real parts are the picture less its mean, up to
- * rounding, and the imaginary parts about 0.
- *   width, height  powers of two, 2 or more
- *   grid           the values
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (a size is no power of two from 2 up, or there is no memory for the
- * rows) or ZLV40_ERROR_OUT_OF_MEMORY (no memory for the columns, or a height of 0; the rows are transformed already, as
- * they are when height is no power of two). Returns 5 and leaves the last error 0 when grid is NULL. */
-#define ZLV40_DoFFTInverse _ZLV40_DoFFTInverse
-ZLV40_API uint32_t ZLV40_DoFFTInverse(uint32_t width, uint32_t height, double* grid);
-
-/* Multiplies each value of a grid by a real factor, in place. The factor depends on the distance d from the frequency 0
- * in its corner: column x lies x from it up to width / 2, width - 1 - x behind that, and rows likewise.
- *   grid           the values; not NULL
- *   width, height  of the grid, of any size; 0 is nothing to do
- *   kind           one of these filters, with the parameters that it reads:
- *                  ZLV40_FFT_IDEAL_LOW_PASS (p0): 0 where d is above p0, else 1
- *                  ZLV40_FFT_IDEAL_HIGH_PASS (p0): 0 where d is below p0, else 1
- *                  ZLV40_FFT_IDEAL_BAND_PASS (p0, p1): 0 where d is below p0 or above p1, else 1
- *                  ZLV40_FFT_POWER_LAW (p0): (1 / d^2)^p0
- *                  ZLV40_FFT_BUTTERWORTH_LOW_PASS (p0, p1): 1 / (1 + (d / p0)^(2 * p1))
- *                  ZLV40_FFT_BUTTERWORTH_HIGH_PASS (p0, p1): 1 / (1 + (p0 / d)^(2 * p1))
- *                  ZLV40_FFT_GAUSSIAN_LOW_PASS (p0): exp(-d^2 / (2 * p0^2))
- *                  ZLV40_FFT_GAUSSIAN_HIGH_PASS (p0): 1 - exp(-d^2 / (2 * p0^2))
- *                  ZLV40_FFT_BUTTERWORTH_EMPHASIS (p0, p1, p2): p1 + p2 / (1 + (p0 / d)^(2 * p1))
- *                  ZLV40_FFT_GAUSSIAN_EMPHASIS (p0, p1, p2): p1 + p2 * (1 - exp(-d^2 / (2 * p0^2)))
- *                  ZLV40_FFT_HOMOMORPHIC (p0 to p3): (p2 - p1) * (1 - exp(-p3 * d^2 / p0^2)) + p1
- *   params         as many doubles as the filter reads; not NULL. Any value: a radius of 0 makes infinities or NaN
- * From ZLV40_FFT_POWER_LAW to ZLV40_FFT_GAUSSIAN_EMPHASIS values with d = 0 stay as they are.
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written). The kinds 11 to 14 are refused where there is a
- * value to filter. */
-#define ZLV40_FilterFFT _ZLV40_FilterFFT
-ZLV40_API uint32_t ZLV40_FilterFFT(double* grid, uint32_t width, uint32_t height, int32_t kind, const double* params);
-
-/* Makes a gray picture of a grid: of its real parts, or of the magnitudes of its values.
- *   dstBytes       height rows of width samples of 8 bits, or NULL: values are limited to 0..255 and truncated
- *   dstDoubles     height rows of width doubles, or NULL: values as they are. Exactly one of the two is given
- *   grid           the values; not NULL; not changed
- *   width, height  of the grid, of any size; 0 is nothing to do
- *   dstRowStride   samples (bytes or doubles) from one row of the picture to the next, >= width; padding is not touched
- *   realPart       non-zero: real parts. 0: magnitudes
- *   scale          non-zero: the smallest real part becomes 0 and the largest 255 (127 where all are the same); the
- *                  largest magnitude becomes 255. 0: the smallest real part becomes 0; the largest magnitude becomes
- *                  the largest real part
- * Values that are no number (such as magnitudes of a grid of zeros) are 0 in bytes.
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written). */
-#define ZLV40_MakeGrayscaleFromFFT _ZLV40_MakeGrayscaleFromFFT
-ZLV40_API uint32_t ZLV40_MakeGrayscaleFromFFT(uint8_t* dstBytes, double* dstDoubles, const double* grid, uint32_t width,
-                                              uint32_t height, uint32_t dstRowStride, int32_t realPart, int32_t scale);
-
-/* ---- Splines ------------------------------------------------------------------------------------------------ */
-
-/* Evaluates an open uniform B-spline through control points in space at even steps of its parameter (C. de Boor, On
- * Calculating with B-Splines, 1972). The first point is the first control point, the last one the last.
- *   outCount          points wanted, 1 or more; 1 gives the last control point
- *   controlCount      control points, 3 or more and more than order
- *   order             the degree plus 1, 1 or more: 2 gives straight lines, 4 cubic curves. The time of a point grows
- *                     with its square
- *   x, y, z           controlCount coordinates each; not NULL; not changed
- *   outX, outY, outZ  receive outCount coordinates each; not NULL; may be x, y and z
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY (nothing is written).
- * Never reports progress and can't be cancelled. Works on the calling thread. */
-#define ZLV40_Get3DSplinePoints _ZLV40_Get3DSplinePoints
-ZLV40_API uint32_t ZLV40_Get3DSplinePoints(uint32_t outCount, uint32_t controlCount, uint32_t order, const double* x,
-                                           const double* y, const double* z, double* outX, double* outY, double* outZ);
+/* Adds Rayleigh noise to an image, in place: it only brightens. Arguments, errors, progress and draws as with
+ * ZLV40_AddGaussianNoise, without a mean; with a variance of 0 nothing is added. A value takes one draw U: it is
+ * sqrt(-2 * 2.3299 * variance * ln(1 - U / 32767.1)). */
+#define ZLV40_AddRayleighNoise _ZLV40_AddRayleighNoise
+ZLV40_API uint32_t ZLV40_AddRayleighNoise(uint8_t* image, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
+                                          uint32_t rowStride, double variance, int32_t monochrome,
+                                          uint32_t channelMask);
 
 /* ---- Morphology --------------------------------------------------------------------------------------------- */
 
@@ -1307,426 +1002,107 @@ ZLV40_API uint32_t ZLV40_MorphoGradientGray(const uint8_t* src, uint32_t width, 
                                             const uint32_t* element, uint32_t elementSize, uint8_t* dst,
                                             uint32_t dstRowStride);
 
-/* ---- Adaptive filters --------------------------------------------------------------------------------------- */
+/* ---- Frequencies -------------------------------------------------------------------------------------------- */
 
-/* Sharpens where a sample differs enough from its left neighbour: with d the difference, limited to -127..127, a sample
- * whose |d| is above the threshold becomes itself + d * amount, the product truncated and the sum limited to 0..255.
- * Others are copied, and so is the first column.
- *   src           height rows of width pixels, 8 bits a sample, interleaved; not NULL
- *   width         pixels a row, 1 or more
- *   height        rows, 1 or more
- *   channels      samples a pixel, 1 or more
- *   srcRowStride  bytes from one row of src to the next, >= width * channels; not 0
- *   dstRowStride  bytes from one row of dst to the next, >= width * channels; not 0; padding is not touched
- *   dst           receives an image of the same shape; not NULL; may be src, with the same stride
- *   threshold     in levels; from 127 on nothing is sharpened
- *   amount        of sharpening; below 0 it softens; finite
- *   flags         how many directional kernels the mask is made of: two, with ZLV40_UNSHARP_FOUR_KERNELS four, with
- *                 ZLV40_UNSHARP_EIGHT_KERNELS eight; both are refused. The first one decides alone, so results are the
- *                 same, but for two kernels' use of dst: the response of the second passes through it, which is
- *                 127 + a sample - its right neighbour, limited to 0..254. With src as dst, that is what is sharpened.
- *                 ZLV40_UNSHARP_KEEP_ALPHA does not sharpen channel 3: with two kernels it gets the second response,
- *                 otherwise it is not touched
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written), ZLV40_ERROR_OUT_OF_MEMORY (nothing is written;
- * with two kernels in place only) or ZLV40_ERROR_CANCELLED.
- * Progress as (step, kernels): step 0 before the first kernel, 1 and so on after each further one, and `kernels` when
- * dst is done. A cancel at that last report finds dst written; an earlier one leaves it untouched, or with two kernels
- * and from step 1 on filled with the second response. Works on the calling thread. */
-#define ZLV40_AdaptiveUnsharpMask _ZLV40_AdaptiveUnsharpMask
-ZLV40_API uint32_t ZLV40_AdaptiveUnsharpMask(const uint8_t* src, uint32_t width, uint32_t height, int32_t channels,
-                                             uint32_t srcRowStride, uint32_t dstRowStride, uint8_t* dst,
-                                             uint32_t threshold, double amount, int8_t flags);
+/* Grids. The functions below work on a grid of complex values: height rows of width values, a value two doubles, the
+ * real part first, without padding. The grid is the caller's, and all that there is: each call is told its size again.
+ * The frequency 0 stands in the corners. None of these functions reports progress, none can be cancelled, all work on
+ * the calling thread. A grid is for one call at a time. */
 
-/* Removes noise and keeps edges: the double-window modified trimmed mean (Y. H. Lee, S. A. Kassam, IEEE Transactions on
- * Acoustics, Speech, and Signal Processing 33 (1985)). The median m of the 3 x 3 samples around a sample chooses, from
- * the five rows around it and from the columns two to the left up to one to the right, the samples from m - q to m + q;
- * their mean, truncated, is the result. (The column two to the right does not count.)
- *   src           height rows of width pixels, 8 bits a sample, interleaved; not NULL, only read
- *   width         pixels a row, 1 or more; below 5 nothing is written
- *   height        rows, 1 or more; below 5 nothing is written
- *   dst           the result, of the same shape; not NULL, not src, and without a pixel of its memory. Two pixels at
- *                 each edge are not written
- *   bytesPerPixel channels, 1 to 8
- *   srcRowStride  bytes from one row of src to the next, >= width * bytesPerPixel; not 0
- *   dstRowStride  bytes from one row of dst to the next, >= width * bytesPerPixel; not 0; padding is not touched
- *   noiseLevel    and
- *   bandFactor    make q, their product, in levels; 0 or more
- *   channelMask   bit c selects channel c; a channel that is not selected is not written, and bits beyond the channels
- *                 are ignored
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written), ZLV40_ERROR_OUT_OF_MEMORY (nothing is written) or
- * ZLV40_ERROR_CANCELLED.
- * Progress as (row, height) after each row that can be written, from row 2 to row height - 3; can be cancelled, rows
- * done so far stay. Works on the calling thread. */
-#define ZLV40_AdaptiveDWMTMFilter _ZLV40_AdaptiveDWMTMFilter
-ZLV40_API uint32_t ZLV40_AdaptiveDWMTMFilter(const uint8_t* src, int32_t width, int32_t height, uint8_t* dst,
-                                             uint32_t bytesPerPixel, uint32_t srcRowStride, uint32_t dstRowStride,
-                                             double noiseLevel, double bandFactor, uint32_t channelMask);
+/* Tells the smallest power of two above a number, but at least 4: 4 for 0 to 3, 8 for 4 to 7.
+ *   value  the number; from 2147483648 on the result is 0, as no such power has 32 bits
+ * Leaves the last error alone. */
+#define ZLV40_NextPowerOfTwo _ZLV40_NextPowerOfTwo
+ZLV40_API uint32_t ZLV40_NextPowerOfTwo(uint32_t value);
 
-/* Finds the mean of each channel, truncated to an integer. The sum has 32 bits and wraps: a white image of more than
- * 16,843,009 pixels has a smaller mean than 255.
- *   src            height rows of width pixels, 8 bits a sample, interleaved; not NULL, only read
- *   width, height  1 or more, together less than 2^32 pixels
- *   bytesPerPixel  channels, 1 to 8
- *   rowStride      bytes from one row to the next, >= width * bytesPerPixel; not 0
- *   means          one number a channel, 0 to 255; not NULL. Those of channels that are not selected are not written
- *   channelMask    bit c selects channel c; bits beyond the channels are ignored
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written). A success leaves the last error as it was.
- * Never reports progress and can't be cancelled. Works on the calling thread. */
-#define ZLV40_FindImageMean _ZLV40_FindImageMean
-ZLV40_API uint32_t ZLV40_FindImageMean(const uint8_t* src, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
-                                       uint32_t rowStride, double* means, uint32_t channelMask);
+/* Gives a grid of zeros, 16 * width * height bytes. The caller frees it with ZLV40_FreeBlock.
+ *   width, height  powers of two, 4 or more
+ * Returns the grid; or NULL with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY. */
+#define ZLV40_AllocFFTGrid _ZLV40_AllocFFTGrid
+ZLV40_API double* ZLV40_AllocFFTGrid(uint32_t width, uint32_t height);
 
-/* Finds the standard deviation of each channel: the root of the mean squared difference from the mean as
- * ZLV40_FindImageMean truncates it, and so a little more than that from the exact mean.
- *   src            height rows of width pixels, 8 bits a sample, interleaved; not NULL, only read
- *   width, height  1 or more, together less than 2^32 pixels
- *   bytesPerPixel  channels, 1 to 8
- *   rowStride      bytes from one row to the next, >= width * bytesPerPixel; not 0
- *   deviations     one number a channel, in levels; not NULL. Those of channels that are not selected are not written
- *   channelMask    bit c selects channel c; bits beyond the channels are ignored
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written) or ZLV40_ERROR_CANCELLED. A success leaves the
- * last error as it was.
- * Progress as (channel, bytesPerPixel) for each selected channel; can be cancelled, deviations written so far stay.
- * Works on the calling thread. */
-#define ZLV40_FindImageStandardDeviation _ZLV40_FindImageStandardDeviation
-ZLV40_API uint32_t ZLV40_FindImageStandardDeviation(const uint8_t* src, uint32_t width, uint32_t height,
-                                                    uint32_t bytesPerPixel, uint32_t rowStride, double* deviations,
-                                                    uint32_t channelMask);
+/* Transforms a gray picture into the frequencies of its difference from its mean, divided by width * height (J. W.
+ * Cooley and J. W. Tukey, An Algorithm for the Machine Calculation of Complex Fourier Series, 1965).
+ *   srcBytes       height rows of width samples of 8 bits, or NULL; not changed
+ *   srcDoubles     height rows of width doubles, or NULL; not changed. Exactly one of the two is given
+ *   width, height  powers of two, 2 or more
+ *   srcRowStride   samples (bytes or doubles) from one row of the source to the next, >= width
+ *   grid           receives the frequencies; apart from the source
+ * Returns 1, also when the transform fails: then the last error is ZLV40_ERROR_BAD_ARGUMENT (a size is no power of two
+ * from 2 up, or there is no memory for the rows) or ZLV40_ERROR_OUT_OF_MEMORY (no memory for the columns, or a height
+ * of 0), and the grid holds the picture less its mean, its rows transformed or not.
+ * Returns 0 with ZLV40_ERROR_BAD_ARGUMENT when both sources or neither is given (nothing is written), or 0 with
+ * ZLV40_ERROR_OUT_OF_MEMORY when this thread's records can't be had. Returns 5 and leaves the last error 0 when grid is
+ * NULL. */
+#define ZLV40_DoFFT _ZLV40_DoFFT
+ZLV40_API uint32_t ZLV40_DoFFT(const uint8_t* srcBytes, const double* srcDoubles, uint32_t width, uint32_t height,
+                               uint32_t srcRowStride, double* grid);
 
-/* Enhances regions by their local mean and contrast (R. C. Gonzalez, R. E. Woods, Digital Image Processing, chapter
- * "Histogram processing"). A sample of a selected channel is multiplied by the gain where its window has a deviation s
- * that is neither below deviations[c] * lowDeviationFactor nor above deviations[c] * highDeviationFactor, and a mean m
- * that is not below means[c] * meanFactor, or, with ZLV40_DARK_REGIONS, not above it. Otherwise it is copied.
- *   src                  height rows of width pixels, 8 bits a sample, interleaved; not NULL, only read
- *   width                pixels a row, 1 or more
- *   height               rows, 1 or more
- *   bytesPerPixel        channels, 1 to 8
- *   srcRowStride         bytes from one row of src to the next, >= width * bytesPerPixel; not 0
- *   dst                  the result, of the same shape; not NULL, not src, and without a pixel of its memory
- *   dstRowStride         bytes from one row of dst to the next, >= width * bytesPerPixel; not 0; padding is not touched
- *   windowSize           edge of the window in pixels, 1 to 65535, also beyond the image, whose border pixels repeat.
- *                        The window of an even size is one pixel wider and higher, but its sums are divided by
- *                        windowSize * windowSize all the same: m and s are larger than they are
- *   means                one number a channel, as from ZLV40_FindImageMean; not NULL, only read
- *   deviations           one number a channel, as from ZLV40_FindImageStandardDeviation; not NULL, only read
- *   meanFactor, lowDeviationFactor, highDeviationFactor
- *                        any number. A comparison with what is not a number is not true, and the sample is enhanced
- *   gain                 -8421504 to 8421504. The product is truncated and its low eight bits are stored: 256 is 0
- *   flags                bits 0 to 7 select channels (a channel that is not selected is not written); and
- *                        ZLV40_DARK_REGIONS
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written), ZLV40_ERROR_OUT_OF_MEMORY (nothing is written) or
- * ZLV40_ERROR_CANCELLED. The time it takes hardly depends on windowSize.
- * Progress once a row; can be cancelled, rows done so far stay. Works on the calling thread. */
-#define ZLV40_LocalHistogramEnhancement _ZLV40_LocalHistogramEnhancement
-ZLV40_API uint32_t ZLV40_LocalHistogramEnhancement(const uint8_t* src, uint32_t width, uint32_t height,
-                                                   uint32_t bytesPerPixel, uint32_t srcRowStride, uint8_t* dst,
-                                                   uint32_t dstRowStride, uint32_t windowSize, const double* means,
-                                                   const double* deviations, double meanFactor,
-                                                   double lowDeviationFactor, double highDeviationFactor, double gain,
-                                                   uint32_t flags);
+/* Transforms frequencies back, in place: after ZLV40_DoFFT the real parts are the picture less its mean, up to
+ * rounding, and the imaginary parts about 0.
+ *   width, height  powers of two, 2 or more
+ *   grid           the values
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (a size is no power of two from 2 up, or there is no memory for the
+ * rows) or ZLV40_ERROR_OUT_OF_MEMORY (no memory for the columns, or a height of 0; the rows are transformed already, as
+ * they are when height is no power of two). Returns 5 and leaves the last error 0 when grid is NULL. */
+#define ZLV40_DoFFTInverse _ZLV40_DoFFTInverse
+ZLV40_API uint32_t ZLV40_DoFFTInverse(uint32_t width, uint32_t height, double* grid);
 
-/* ---- Generators --------------------------------------------------------------------------------------------- */
-
-/* Makes a field of Perlin noise: coherent noise in three dimensions, from 1791 draws of the calling thread's random
- * generator (see ZLV40_AddGaussianNoise).
- * Returns a handle, which the caller gives to ZLV40_DestroyPerlinNoise3D; or NULL with ZLV40_ERROR_OUT_OF_MEMORY.
- * A field is not changed by its use: any number of threads may use it at once. Never reports progress. Works on the
- * calling thread.
- * Source: K. Perlin, "An image synthesizer", SIGGRAPH (1985). */
-#define ZLV40_InitializePerlinNoise3D _ZLV40_InitializePerlinNoise3D
-ZLV40_API void* ZLV40_InitializePerlinNoise3D(void);
-
-/* Frees a field of noise.
- *   handle  of ZLV40_InitializePerlinNoise3D, not freed before; not NULL
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT for NULL. Never reports progress. Works on the calling thread. */
-#define ZLV40_DestroyPerlinNoise3D _ZLV40_DestroyPerlinNoise3D
-ZLV40_API uint32_t ZLV40_DestroyPerlinNoise3D(void* handle);
-
-/* Writes a plane through a field of noise as gray levels: at column x of row y trunc(v * 128 + 127), limited to 0..255,
- * with the noise v, about -1..1, at the point (x * scale, y * scale, z). Points of whole numbers have no noise.
- *   handle     of ZLV40_InitializePerlinNoise3D; not NULL
- *   out        receives width * height bytes, row behind row without gaps; not NULL
- *   width      samples a row, 1 or more
- *   height     rows, 1 or more
- *   rowStride  any; not looked at
- *   scale      the distance of two pixels in the field, whose features have a size of about 1
- *   z          the height of the plane
- * Coordinates below -4096 give noise with a seam; what is not finite, 0.
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written), ZLV40_ERROR_COULD_NOT_RUN for a handle behind
- * which there is no field any more (nothing is written), or ZLV40_ERROR_CANCELLED.
- * Progress once a row; can be cancelled, rows done so far stay written. Works on the calling thread. */
-#define ZLV40_GetPerlinNoise3DSliceBYTE _ZLV40_GetPerlinNoise3DSliceBYTE
-ZLV40_API uint32_t ZLV40_GetPerlinNoise3DSliceBYTE(void* handle, uint8_t* out, uint32_t width, uint32_t height,
-                                                   uint32_t rowStride, double scale, double z);
-
-/* Writes a plane through a field of noise as numbers: the noise itself at (x * scale, y * scale, z). Arguments, errors
- * and progress as with ZLV40_GetPerlinNoise3DSliceBYTE; out receives width * height doubles, NaN at points that are not
- * finite. */
-#define ZLV40_GetPerlinNoise3DSliceDouble _ZLV40_GetPerlinNoise3DSliceDouble
-ZLV40_API uint32_t ZLV40_GetPerlinNoise3DSliceDouble(void* handle, double* out, uint32_t width, uint32_t height,
-                                                     uint32_t rowStride, double scale, double z);
-
-/* Writes a plane through a field of noise that is moved and turned. As ZLV40_GetPerlinNoise3DSliceDouble, but with
- * a = x * scale + offsetX - pivotX and b = y * scale + offsetY - pivotY the point is
- * (a * cos(angle) + b * sin(angle) + pivotX, b * cos(angle) - a * sin(angle) + pivotY, z).
- *   offsetX, offsetY  of the first pixel, in the field
- *   angle             of the turn, in radians
- *   pivotX, pivotY    the point that stays where it is, in the field */
-#define ZLV40_GetPerlinNoise3DSliceDoubleEx _ZLV40_GetPerlinNoise3DSliceDoubleEx
-ZLV40_API uint32_t ZLV40_GetPerlinNoise3DSliceDoubleEx(void* handle, double* out, uint32_t width, uint32_t height,
-                                                       uint32_t rowStride, double scale, double z, double offsetX,
-                                                       double offsetY, double angle, double pivotX, double pivotY);
-
-/* Fills a gray image with Perlin noise: the plane at height 0 of a field that is made for this call and draws from the
- * calling thread's random generator, also when an argument is refused.
- *   out        receives width * height bytes, row behind row without gaps; not NULL
- *   width      samples a row, 1 or more
- *   height     rows, 1 or more
- *   rowStride  any; not looked at
- *   scale      the distance of two pixels in the field, whose features have a size of about 1
- * Levels, errors and progress as with ZLV40_GetPerlinNoise3DSliceBYTE. The next call on a thread gives another
- * field. */
-#define ZLV40_GeneratePerlinNoise _ZLV40_GeneratePerlinNoise
-ZLV40_API uint32_t ZLV40_GeneratePerlinNoise(uint8_t* out, uint32_t width, uint32_t height, int32_t rowStride,
-                                             double scale);
-
-/* Fills a gray image with value noise of several octaves. Each octave has one of eight integer hashes, dealt out anew
- * by the calling thread's random generator, which is set to the system's tick count for that: two calls differ.
- *   dst          receives height rows of width bytes; not NULL
- *   width        samples a row, 1 or more
- *   height       rows, 1 or more
- *   rowStride    bytes from one row to the next; padding is not touched
- *   octaves      one more than are summed, up to 8; 1 and less give an even 127
- *   persistence  the amplitude of an octave is persistence to the power 0, 1, 2, ...
- *   scale        the distance of two pixels, in points of the first octave's lattice; doubled from octave to octave
- * The sum v, limited to -1..1, is written as 127 - trunc(v * -128), limited to 0..255; 0 where it is not a number. A
- * hash is smoothed over 3 x 3 points of the lattice and blended between them by (1 - cos(t * 3.141596)) / 2.
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written, and the generator stays),
- * ZLV40_ERROR_OUT_OF_MEMORY or ZLV40_ERROR_CANCELLED.
- * Progress once a row; can be cancelled, rows done so far stay written. Works on the calling thread. */
-#define ZLV40_GenerateHugoNoise _ZLV40_GenerateHugoNoise
-ZLV40_API uint32_t ZLV40_GenerateHugoNoise(uint8_t* dst, uint32_t width, uint32_t height, uint32_t rowStride,
-                                           int32_t octaves, double persistence, double scale);
-
-/* What ZLV40_GenerateColoredNoise paints. The last four are added to a middle gray. */
-enum ZLV40_NoiseKind {
-    ZLV40_NOISE_PERLIN = 0,
-    ZLV40_NOISE_HUGO = 1,
-    ZLV40_NOISE_GAUSSIAN = 2,
-    ZLV40_NOISE_NEGATIVE_EXPONENTIAL = 3,
-    ZLV40_NOISE_RAYLEIGH = 4,
-    ZLV40_NOISE_UNIFORM = 5
+/* Filters of ZLV40_FilterFFT: low-passes keep long waves, high-passes short ones. */
+enum ZLV40_FFTFilter {
+    ZLV40_FFT_IDEAL_LOW_PASS = 1,        /* nothing beyond a radius */
+    ZLV40_FFT_IDEAL_HIGH_PASS = 2,       /* nothing within a radius */
+    ZLV40_FFT_IDEAL_BAND_PASS = 3,       /* nothing but what lies between two radii */
+    ZLV40_FFT_POWER_LAW = 4,             /* the weaker the shorter a wave is */
+    ZLV40_FFT_BUTTERWORTH_LOW_PASS = 5,  /* a slope around a radius, as steep as its order says */
+    ZLV40_FFT_BUTTERWORTH_HIGH_PASS = 6, /* the same slope, upwards */
+    ZLV40_FFT_GAUSSIAN_LOW_PASS = 7,     /* a bell: a Gaussian blur */
+    ZLV40_FFT_GAUSSIAN_HIGH_PASS = 8,    /* what that blur takes away */
+    ZLV40_FFT_BUTTERWORTH_EMPHASIS = 9,  /* all of it, and short waves once more with a gain */
+    ZLV40_FFT_GAUSSIAN_EMPHASIS = 10,    /* a part of it, and short waves once more with a gain */
+    ZLV40_FFT_HOMOMORPHIC = 15           /* from one gain for long waves to another one for short ones */
 };
 
-/* Paints an RGB image with noise of one hue and saturation: the noise is the value of each pixel.
- *   dst        receives height rows of width pixels of 3 bytes: red, green, blue; not NULL
- *   width      pixels a row, 1 or more
- *   height     rows, 1 or more
- *   rowStride  bytes from one row to the next; padding is not touched
- *   colour     red in the low byte, then green, then blue; its own value plays no part, and gray ones paint in gray
- *   amount     0..100, larger ones are 100. Perlin and Hugo noise get finer with less: their scale is
- *              1 - amount / 100 * 0.99; the others have a variance of 100 * amount
- *   noiseKind  a ZLV40_NoiseKind
- * Draws from the calling thread's random generator; Hugo noise (4 octaves, persistence 0.5) also sets it.
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY (nothing is written).
- * Never reports progress, and can't be cancelled. Works on the calling thread. */
-#define ZLV40_GenerateColoredNoise _ZLV40_GenerateColoredNoise
-ZLV40_API uint32_t ZLV40_GenerateColoredNoise(uint8_t* dst, uint32_t width, uint32_t height, uint32_t rowStride,
-                                              uint32_t colour, uint32_t amount, uint32_t noiseKind);
+/* Multiplies each value of a grid by a real factor, in place. The factor depends on the distance d from the frequency 0
+ * in its corner: column x lies x from it up to width / 2, width - 1 - x behind that, and rows likewise.
+ *   grid           the values; not NULL
+ *   width, height  of the grid, of any size; 0 is nothing to do
+ *   kind           one of these filters, with the parameters that it reads:
+ *                  ZLV40_FFT_IDEAL_LOW_PASS (p0): 0 where d is above p0, else 1
+ *                  ZLV40_FFT_IDEAL_HIGH_PASS (p0): 0 where d is below p0, else 1
+ *                  ZLV40_FFT_IDEAL_BAND_PASS (p0, p1): 0 where d is below p0 or above p1, else 1
+ *                  ZLV40_FFT_POWER_LAW (p0): (1 / d^2)^p0
+ *                  ZLV40_FFT_BUTTERWORTH_LOW_PASS (p0, p1): 1 / (1 + (d / p0)^(2 * p1))
+ *                  ZLV40_FFT_BUTTERWORTH_HIGH_PASS (p0, p1): 1 / (1 + (p0 / d)^(2 * p1))
+ *                  ZLV40_FFT_GAUSSIAN_LOW_PASS (p0): exp(-d^2 / (2 * p0^2))
+ *                  ZLV40_FFT_GAUSSIAN_HIGH_PASS (p0): 1 - exp(-d^2 / (2 * p0^2))
+ *                  ZLV40_FFT_BUTTERWORTH_EMPHASIS (p0, p1, p2): p1 + p2 / (1 + (p0 / d)^(2 * p1))
+ *                  ZLV40_FFT_GAUSSIAN_EMPHASIS (p0, p1, p2): p1 + p2 * (1 - exp(-d^2 / (2 * p0^2)))
+ *                  ZLV40_FFT_HOMOMORPHIC (p0 to p3): (p2 - p1) * (1 - exp(-p3 * d^2 / p0^2)) + p1
+ *   params         as many doubles as the filter reads; not NULL. Any value: a radius of 0 makes infinities or NaN
+ * From ZLV40_FFT_POWER_LAW to ZLV40_FFT_GAUSSIAN_EMPHASIS values with d = 0 stay as they are.
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written). The kinds 11 to 14 are refused where there is a
+ * value to filter. */
+#define ZLV40_FilterFFT _ZLV40_FilterFFT
+ZLV40_API uint32_t ZLV40_FilterFFT(double* grid, uint32_t width, uint32_t height, int32_t kind, const double* params);
 
-/* What ZLV40_GradientFillImageLinear does behind its start. Any other value mirrors too. */
-enum ZLV40_GradientMode { ZLV40_GRADIENT_MIRRORED = 0, ZLV40_GRADIENT_ONE_SIDED = 1 };
+/* Makes a gray picture of a grid: of its real parts, or of the magnitudes of its values.
+ *   dstBytes       height rows of width samples of 8 bits, or NULL: values are limited to 0..255 and truncated
+ *   dstDoubles     height rows of width doubles, or NULL: values as they are. Exactly one of the two is given
+ *   grid           the values; not NULL; not changed
+ *   width, height  of the grid, of any size; 0 is nothing to do
+ *   dstRowStride   samples (bytes or doubles) from one row of the picture to the next, >= width; padding is not touched
+ *   realPart       non-zero: real parts. 0: magnitudes
+ *   scale          non-zero: the smallest real part becomes 0 and the largest 255 (127 where all are the same); the
+ *                  largest magnitude becomes 255. 0: the smallest real part becomes 0; the largest magnitude becomes
+ *                  the largest real part
+ * Values that are no number (such as magnitudes of a grid of zeros) are 0 in bytes.
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written). */
+#define ZLV40_MakeGrayscaleFromFFT _ZLV40_MakeGrayscaleFromFFT
+ZLV40_API uint32_t ZLV40_MakeGrayscaleFromFFT(uint8_t* dstBytes, double* dstDoubles, const double* grid, uint32_t width,
+                                              uint32_t height, uint32_t dstRowStride, int32_t realPart, int32_t scale);
 
-/* Paints an image with colours that change along a line.
- *   image           receives height rows of width pixels, 8 bits a sample, interleaved; not NULL
- *   width, height   of the image; 0 is nothing to do
- *   bytesPerPixel   channels, 1..4: so many of a colour's bytes are written, the first ones
- *   rowStride       bytes from one row to the next; padding is not touched
- *   startX, startY  in pixels: where 0 percent is; not the same point as the end
- *   endX, endY      in pixels: where 100 percent is
- *   colors          stopCount colours of four bytes; not NULL, only read
- *   positions       stopCount percentages, limited to 0..100, in any order; not NULL, only read. Of stops at one
- *                   position the first and the last one count, and the colour jumps between them
- *   stopCount       2 or more
- *   mode            ZLV40_GRADIENT_ONE_SIDED: behind the line through the start, at right angles to the gradient,
- *                   pixels have the first stop's colour; otherwise the gradient is mirrored there
- *   gamma           a fraction t of the way between two stops becomes t to the power gamma; 1 leaves it
- *   flags           ZLV40_COLORS_AS_IMAGE; without it the first and the third byte of each colour are exchanged
- * Before the first stop and behind the last one their colours hold; the pixel of the start has the first stop's. Blends
- * are truncated. Where a point or gamma that is not a number leaves no colour, its bytes are 0.
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY (nothing is written), or
- * ZLV40_ERROR_CANCELLED.
- * Progress once a row; can be cancelled, rows done so far stay painted. Works on the calling thread. */
-#define ZLV40_GradientFillImageLinear _ZLV40_GradientFillImageLinear
-ZLV40_API uint32_t ZLV40_GradientFillImageLinear(uint8_t* image, uint32_t width, uint32_t height,
-                                                 uint32_t bytesPerPixel, uint32_t rowStride, double startX,
-                                                 double startY, double endX, double endY, const uint8_t* colors,
-                                                 const double* positions, uint32_t stopCount, uint32_t mode,
-                                                 double gamma, uint32_t flags);
-
-/* Paints an image with colours that change with the distance from a centre. As ZLV40_GradientFillImageLinear, but:
- *   radius            in pixels, above 0: the distance of 100 percent
- *   centerX, centerY  in pixels: where 0 percent is
- *   mode              any; not looked at
- * Beyond the radius the last stop's colour holds. Squared distances are numbers of 32 bits and wrap: pixels 46341 and
- * more from the centre have other colours, or none, whose bytes are 0. */
-#define ZLV40_GradientFillImageRadial _ZLV40_GradientFillImageRadial
-ZLV40_API uint32_t ZLV40_GradientFillImageRadial(uint8_t* image, uint32_t width, uint32_t height,
-                                                 uint32_t bytesPerPixel, uint32_t rowStride, double radius,
-                                                 int32_t centerX, int32_t centerY, const uint8_t* colors,
-                                                 const double* positions, uint32_t stopCount, uint32_t mode,
-                                                 double gamma, uint32_t flags);
-
-/* ---- Pushing ------------------------------------------------------------------------------------------------- */
-
-/* Drags what is at one point of an image to another point, as a finger does in wet paint. The reach is twice the
- * distance of the points in whole pixels; what is further than that from *toPoint, to the sides or up and down, is
- * copied.
- *   src            height rows of rowStride bytes, the last one whole as well: width pixels, 8 bits a sample,
- *                  interleaved; not NULL; not changed
- *   width, height  of both images, 1 or more
- *   bytesPerPixel  channels, 1 or more
- *   rowStride      bytes from one row to the next, width * bytesPerPixel or more
- *   dst            height rows of rowStride bytes, not NULL; does not overlap src. All of it is written, padding is
- *                  copied too
- *   fromPoint      where the content is, anywhere, also outside the image; not NULL
- *   toPoint        where it goes, anywhere; not NULL. The same point gives a plain copy
- * Each quarter of the square around *toPoint, as far as it is inside the image, is drawn from the quadrilateral of its
- * outer corners and *fromPoint: pixels on the square's edge stay, *toPoint becomes *fromPoint. Places are sampled with
- * cubic convolution over sixteen pixels (R. G. Keys, 1981, parameter -1), rounded; those outside the image are moved to
- * its edge.
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written) or ZLV40_ERROR_CANCELLED (the copy and the
- * quarters done so far stay).
- * Progress is reported after each quarter as 1, 2, 3 and 4 of 4, for different points. Works on the calling thread. */
-#define ZLV40_PushImage _ZLV40_PushImage
-ZLV40_API uint32_t ZLV40_PushImage(const uint8_t* src, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
-                                   uint32_t rowStride, uint8_t* dst, const point* fromPoint, const point* toPoint);
-
-/* ---- Content-aware resizing --------------------------------------------------------------------------------- */
-
-/* Changes the width of an image and keeps what stands out in it: removes or inserts seams, paths of little detail from
- * the first row to the last that move one column to the side a row at most (S. Avidan and A. Shamir, Seam Carving for
- * Content-Aware Image Resizing, 2007). The pixels on both sides of a removed seam are merged into one; an inserted
- * pixel is the mean of its two neighbours.
- *   src            height rows of width pixels, 8 bits a sample, interleaved; not NULL; not changed
- *   width, height  of src, 3 or more; the result is width + seamCount wide, which must be 4 or more
- *   bytesPerPixel  channels, 3 or 4. The fourth one is changed like the others, but is no detail to keep
- *   srcRowStride   bytes from one row of src to the next, >= width * bytesPerPixel. Detail is first measured in packed
- *                  rows of 3-byte pixels: a source with padding or with 4 channels gives its seams from what stands in
- *                  its memory there, and better ones as a packed image of 3 channels
- *   mask           height rows of width bytes, or NULL: below 128 they attract seams, above 128 they repel them. A mask
- *                  of 128 is not quite the same as none: with a mask, or on two threads, the last column is continued
- *                  from the two columns to its left, else from the one straight above it and the one to its left
- *   maskRowStride  bytes from one row of mask to the next
- *   dst            height rows of the result, not NULL; may be src. It holds height * dstRowStride bytes: the rows of
- *                  the widest state of the image are copied as far as dstRowStride reaches, padding included. Rows of
- *                  less than the result's width receive its beginning
- *   dstRowStride   bytes from one row of dst to the next
- *   seamCount      below 0 removes -seamCount seams, above 0 inserts that many. 0 copies rows of the smaller stride,
- *                  padding included
- *   insertPenalty  0..65535: what the pixels around an inserted seam count more from then on, so that the next seam
- *                  takes another way; 0 widens one place. Not used when seams are removed
- *   flags          ZLV40_ONE_THREAD works on the calling thread. Otherwise two threads, started anew for every seam,
- *                  share the columns and wait for each other in every row
- * Choose ZLV40_ONE_THREAD. The two threads hand over to each other in every row, and that costs more than half a row
- * of additions saves: at 640 x 480 they take several times as long as one, at 1920 x 1080 longer still. Only from some
- * 4000 columns on, with two idle processors, are they as fast or a little faster.
- * Where several ways are equally good the thread's random generator chooses.
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT, ZLV40_ERROR_OUT_OF_MEMORY, ZLV40_ERROR_COULD_NOT_RUN when a thread
- * can't be started, ZLV40_ERROR_TIME_OUT when one is not ready, or with its half of a row, within a second, or
- * ZLV40_ERROR_CANCELLED. dst is written when all is done: whatever fails leaves it as it was.
- * Progress once a seam as (seam, number of seams). Can be cancelled. The detail of src is measured on four threads
- * in either form; all threads have ended when the call returns. */
-#define ZLV40_SeamCarve _ZLV40_SeamCarve
-ZLV40_API uint32_t ZLV40_SeamCarve(const uint8_t* src, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
-                                   uint32_t srcRowStride, const uint8_t* mask, uint32_t maskRowStride, uint8_t* dst,
-                                   uint32_t dstRowStride, int32_t seamCount, uint16_t insertPenalty, uint32_t flags);
-
-/* ---- Layer styles ------------------------------------------------------------------------------------------- */
-
-/* Functions of this section report progress, and can be cancelled, only when they are called from within a progress
- * callback. Called directly they do neither. */
-
-/* Makes a new, larger image: the source over a blurred, shifted copy of its shape. Without flags, or with other than
- * four channels, the shadow is a rectangle on a background of one colour; otherwise it follows the alpha channel on a
- * transparent ground.
- *   src              height rows of width pixels, 8 bits a sample, interleaved; not NULL; not changed
- *   width, height    may be 0 with the rectangle: there is a ground and nothing on it
- *   bytesPerPixel    channels, 1, 3 or 4
- *   srcRowStride     bytes from one row of src to the next, >= width * bytesPerPixel. With the rectangle src is read as
- *                    if its rows were packed
- *   outImage         receives the new image, rows packed, to be freed by ZLV40_FreeBlock; not NULL
- *   outWidth, outHeight  receive its size: for a blur of 0, 25, 50, 75, 100 percent 7, 11, 17, 21, 27 pixels more than
- *                    the source's, and the shift; not NULL
- *   distance         of the shadow in pixels, truncated along each axis
- *   blurPercent      0 to 100 for a blur of sigma 1 to 5; other values go on, down to none
- *   backgroundColor  of the rectangle's ground: its lowest byte is channel 0, the highest channel 3
- *   shadowColor      of the shadow, likewise
- *   angle            in degrees, clockwise: 0 throws the shadow up, 90 to the right. Below 0 and above 360 the image
- *                    and the shadow may come to lie outside, where nothing is drawn
- *   imagePos, shadowPos  receive the upper left corners of the source and of the shadow in the new image, also when
- *                    memory is out later; may be NULL
- *   flags            ZLV40_SHADOW_OF_ALPHA follows the alpha channel, which four channels have; and
- *                    ZLV40_SHADOW_TINTED gives that shadow its colour, and by itself means both
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY (also when the new image would be too
- * large or less than a pixel wide or high, or an empty source has no alpha to follow); outImage, outWidth and outHeight
- * are not written then. A cancel leaves a shadow that is not finished, and the result is 1. Works on the calling
- * thread. */
-#define ZLV40_DropShadowEx _ZLV40_DropShadowEx
-ZLV40_API uint32_t ZLV40_DropShadowEx(const uint8_t* src, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
-                                      uint32_t srcRowStride, uint8_t** outImage, uint32_t* outWidth,
-                                      uint32_t* outHeight, int32_t distance, int32_t blurPercent,
-                                      uint32_t backgroundColor, uint32_t shadowColor, int32_t angle, point* imagePos,
-                                      point* shadowPos, uint32_t flags);
-
-/* ZLV40_DropShadowEx of an image whose rows are packed, without the two corners. */
-#define ZLV40_DropShadow _ZLV40_DropShadow
-ZLV40_API uint32_t ZLV40_DropShadow(const uint8_t* src, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
-                                    uint8_t** outImage, uint32_t* outWidth, uint32_t* outHeight, int32_t distance,
-                                    int32_t blurPercent, uint32_t backgroundColor, uint32_t shadowColor, int32_t angle,
-                                    uint32_t flags);
-
-/* Frames an image with four shades, in place, so that it looks raised or sunken. A shade is a percentage: samples are
- * multiplied by shade / 100, limited to 255 and truncated; 100 changes nothing.
- *   image          height rows of width pixels, 8 bits a sample, interleaved; not NULL
- *   width, height  1 or more, and at least 2 * bevelWidth
- *   rowStride      bytes from one row to the next
- *   bevelWidth     of the frame, in pixels
- *   bytesPerPixel  channels
- *   flags          ZLV40_PROTECT_ALPHA leaves the fourth of four channels alone
- *   leftShade, topShade, rightShade, bottomShade  in percent, limited to 0 to 255 and truncated; not NaN. The corners
- *                  are the top's and the bottom's
- *   blur           blurs the frame by a Gaussian of sigma blur / 100; 0 leaves it sharp
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY, also for an empty image (nothing is
- * written), or ZLV40_ERROR_CANCELLED (rows done so far stay). Progress once a row. Works on the calling thread. */
-#define ZLV40_ShadeBevelEdge _ZLV40_ShadeBevelEdge
-ZLV40_API uint32_t ZLV40_ShadeBevelEdge(uint8_t* image, uint32_t width, uint32_t height, uint32_t rowStride,
-                                        uint32_t bevelWidth, uint32_t bytesPerPixel, uint32_t flags, double leftShade,
-                                        double topShade, double rightShade, double bottomShade, double blur);
-
-/* Puts a soft halo of one colour behind the shape that the alpha channel describes, in place: the alpha is blurred,
- * reshaped by a curve, and becomes the new alpha where it is larger.
- *   image          height rows of width pixels of four channels, the last one alpha; not NULL
- *   width, height  1 or more
- *   rowStride      bytes from one row to the next
- *   size           reach of the glow in pixels: a Gaussian of sigma size / 2.5
- *   opacity        of the glow, limited to 0 to 1; not NaN
- *   color          of the glow: its lowest byte is channel 0; the highest one is not used
- *   curve          256 bytes, the coverage for each blurred alpha; NULL for (i / 256) to the power 5 / 9, times 256
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY, also for an empty image; nothing is
- * written then. The blur's progress; a cancel ends the blur, and the result is 1. Works on the calling thread. */
-#define ZLV40_OuterGlowRGBA _ZLV40_OuterGlowRGBA
-ZLV40_API uint32_t ZLV40_OuterGlowRGBA(uint8_t* image, uint32_t width, uint32_t height, uint32_t rowStride,
-                                       uint32_t size, double opacity, uint32_t color, const uint8_t* curve);
-
-/* Tints a shape from its edges inwards, in place: what is transparent is blurred into the shape, reshaped by a curve,
- * and gives the colour's share. Alpha stays, and so do pixels whose alpha is 0. Arguments and results as with
- * ZLV40_OuterGlowRGBA, but that the default curve does not know the opacity, which limits the share. */
-#define ZLV40_InnerGlowRGBA _ZLV40_InnerGlowRGBA
-ZLV40_API uint32_t ZLV40_InnerGlowRGBA(uint8_t* image, uint32_t width, uint32_t height, uint32_t rowStride,
-                                       uint32_t size, double opacity, uint32_t color, const uint8_t* curve);
-
-/* ---- Artistic ----------------------------------------------------------------------------------------------- */
+/* ---- Artistic effects --------------------------------------------------------------------------------------- */
 
 /* Turns an image into black and white dots on a grid of cells, in place: the image is shrunk to a pixel a cell, each of
  * them becomes black or white with diffusion of the error (R. W. Floyd, L. Steinberg, 1976), and grows again.
@@ -1897,6 +1273,15 @@ ZLV40_API uint32_t ZLV40_WatercolorTintRGB(const uint8_t* source, uint32_t width
                                            uint32_t sourceStride, uint8_t* destination, uint32_t destinationStride,
                                            double amount, uint8_t flags);
 
+/* What ZLV40_CrackleRGB makes its relief of. */
+enum ZLV40_CrackleKind {
+    ZLV40_CRACKLE_OPEN = 0,   /* the picture without small bright spots */
+    ZLV40_CRACKLE_TOPHAT = 1, /* small bright spots alone */
+    ZLV40_CRACKLE_CLOSE = 2,  /* the picture without small dark spots */
+    ZLV40_CRACKLE_DILATE = 3, /* the picture with bright spots grown */
+    ZLV40_CRACKLE_ERODE = 4   /* the picture with dark spots grown */
+};
+
 /* Makes a picture look like cracked paint: reduces it to spots of light or dark by gray morphology (7 x 7), sharpens
  * them, lights them as a relief from one side with the picture upon it, and spreads the brightness.
  *   source             height rows of width pixels, 3 bytes each (red, green, blue); not NULL
@@ -1917,6 +1302,14 @@ ZLV40_API uint32_t ZLV40_WatercolorTintRGB(const uint8_t* source, uint32_t width
 ZLV40_API uint32_t ZLV40_CrackleRGB(const uint8_t* source, uint32_t width, uint32_t height, uint32_t sourceStride,
                                     uint8_t* destination, uint32_t destinationStride, uint32_t morphKind,
                                     int32_t strength, uint32_t flags);
+
+/* How ZLV40_SegmentedColorizeRGBImage cleans the mask of a colour. */
+enum ZLV40_SegmentMode {
+    ZLV40_SEGMENT_MEDIAN = 0,      /* every pixel goes with the majority of its window */
+    ZLV40_SEGMENT_CLOSE = 1,       /* gaps are closed */
+    ZLV40_SEGMENT_HIT_OR_MISS = 2, /* only places of the element's shape stay */
+    ZLV40_SEGMENT_BOUNDARY = 3     /* only outlines stay */
+};
 
 /* Turns a picture into few colours in smooth flat regions, as a stencil or a poster has them. A palette is made for the
  * picture; then colour after colour, the rarest first, the pixels of one are cut out as a mask, the mask is cleaned,
@@ -1992,7 +1385,7 @@ ZLV40_API uint32_t ZLV40_Stipple(const uint8_t* source, uint32_t width, uint32_t
 
 /* How the colour of ZLV40_ReflectImage grows from the start of its ramp to the end. Other values are linear. */
 enum ZLV40_FadeShape {
-    ZLV40_FADE_LINEAR = 0,
+    ZLV40_FADE_LINEAR = 0, /* evenly */
     ZLV40_FADE_SMOOTH = 1, /* half a wave: slow, fast and slow again */
     ZLV40_FADE_FAST = 2    /* a quarter of a wave: ever slower */
 };
@@ -2032,6 +1425,640 @@ ZLV40_API uint32_t ZLV40_ReflectImage(const uint8_t* source, uint32_t width, uin
                                       uint32_t splitRow, uint32_t reflectionHeight, double fadeStart, double fadeEnd,
                                       uint32_t color, uint32_t fadeShape, double ripple, uint32_t rippleScale,
                                       uint32_t flags);
+
+/* ---- Warps -------------------------------------------------------------------------------------------------- */
+
+/* Each thread has a list of warps. The ZLV40_Add functions below put one at its end, ZLV40_TransformProcess sends a
+ * picture through all of them as often as wanted, ZLV40_ClearAllTransforms empties it.
+ * A warp says where a pixel comes from. Every pixel's own position goes through the list from the first warp to the
+ * last one, and the picture is read where it arrives: the warp that was added last acts on the picture first. Pixel
+ * (0, 0) is at the top left, x grows to the right and y down, whole coordinates are pixels. A warp calling a position
+ * outside ends its way: the pixel gets the fill.
+ * width and height of an Add function are those of the pictures to come; the warp's centre is
+ * ((width - 1) / 2, (height - 1) / 2), and its half diagonal is the distance from there to a corner. A list may be used
+ * with pictures of another size: nothing but the result depends on it. Angles are in degrees, lengths in pixels.
+ * Arguments that are no number lead to positions that are none, and those are outside; a radius that is none holds no
+ * position.
+ * Add functions return 1; or 0 with ZLV40_ERROR_OUT_OF_MEMORY or the code that they name, and the list as it was. They
+ * report no progress. */
+
+/* Empties this thread's warp list. */
+#define ZLV40_ClearAllTransforms _ZLV40_ClearAllTransforms
+ZLV40_API void ZLV40_ClearAllTransforms(void);
+
+/* Finds how far the positions of all pixels of a picture spread after this thread's warp list, whatever the warps call
+ * outside: a step over every pixel, which takes the time of a warp without sampling.
+ *   width, height  of the picture; for an empty one the minima are its sizes and the maxima 0
+ *   minX, minY     receive the smallest coordinates, but not more than width and height; not NULL
+ *   maxX           receives the largest x, but not less than 0; not NULL
+ *   maxY           receives the same number as maxX, not a y; not NULL
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT for NULL. No progress. */
+#define ZLV40_GetTransformDimensions _ZLV40_GetTransformDimensions
+ZLV40_API uint32_t ZLV40_GetTransformDimensions(uint32_t width, uint32_t height, double* minX, double* minY,
+                                                double* maxX, double* maxY);
+
+/* How ZLV40_TransformProcess reads a point between pixels. */
+enum ZLV40_Sampling {
+    ZLV40_SAMPLING_NEAREST = 0,  /* one pixel */
+    ZLV40_SAMPLING_BILINEAR = 1, /* the four pixels around it */
+    ZLV40_SAMPLING_BICUBIC = 2,  /* the sixteen pixels around it */
+    ZLV40_SAMPLING_NONE = 3      /* writes nothing */
+};
+
+/* Sends a picture through this thread's warp list. An empty list copies it.
+ *   src            height rows of width pixels, 8 bits a sample, interleaved; not NULL; not changed
+ *   width, height  of both images; nothing is written when one is 0
+ *   srcRowStride   bytes from one row of src to the next
+ *   dst            an image of the same shape, not NULL; does not overlap src. Padding is not touched
+ *   dstRowStride   bytes from one row of dst to the next
+ *   bytesPerPixel  channels, 0 or more; nothing is written for 0
+ *   flags          a ZLV40_SAMPLING_ value; and
+ *                  ZLV40_KEEP_DESTINATION takes what dst holds in place of background
+ *                  ZLV40_CLAMP_POINTS moves positions outside the picture to its edge, but for those that a warp calls
+ *                  outside
+ *   background     what is outside the picture: its lowest byte is channel 0, the highest channel 3; channels behind
+ *                  are 0
+ * Sampling at (x, y):
+ *   nearest   any fraction leads to the next pixel to the right or down. 0 to width and 0 to height are inside
+ *   bilinear  the four pixels around, truncated. Towards the outside the picture fades into the fill over one pixel
+ *   bicubic   the sixteen pixels around with cubic convolution (R. G. Keys, 1981, parameter -1), rounded; those that
+ *             are outside count as the fill
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written) or ZLV40_ERROR_CANCELLED (rows done so far stay).
+ * The list is as before either way. Progress once a row. Works on the calling thread. */
+#define ZLV40_TransformProcess _ZLV40_TransformProcess
+ZLV40_API uint32_t ZLV40_TransformProcess(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcRowStride,
+                                          uint8_t* dst, uint32_t dstRowStride, int32_t bytesPerPixel, uint32_t flags,
+                                          uint32_t background);
+
+/* What ZLV40_AddEllipticalTransform squeezes. */
+enum ZLV40_Squeeze {
+    ZLV40_SQUEEZE_HORIZONTAL = 0, /* rows */
+    ZLV40_SQUEEZE_VERTICAL = 1,   /* columns */
+    ZLV40_SQUEEZE_BOTH = 2        /* rows and columns */
+};
+
+/* Squeezes the picture into an ellipse with the picture's centre, moved by the offset: rows, columns or both are each
+ * stretched from the width that the ellipse has there to the whole size. Positions outside the ellipse, and those that
+ * are outside the picture's frame moved by the offset, are outside.
+ *   semiAxisX, semiAxisY  half the ellipse's width and height in pixels; their signs do not matter. 0 is refused with
+ *                         ZLV40_ERROR_BAD_ARGUMENT
+ *   offsetX, offsetY      of the frame to the right and down
+ *   mode                  a ZLV40_SQUEEZE_ value. Below 0 nothing is squeezed or moved, and the frame's outside is
+ *                         outside all the same; above them it is refused with ZLV40_ERROR_BAD_ARGUMENT
+ * An empty width or height is taken for an empty frame, of which the position of the offset alone is inside. */
+#define ZLV40_AddEllipticalTransform _ZLV40_AddEllipticalTransform
+ZLV40_API uint32_t ZLV40_AddEllipticalTransform(uint32_t width, uint32_t height, double semiAxisX, double semiAxisY,
+                                                int32_t offsetX, int32_t offsetY, int32_t mode);
+
+/* Magnifies a round area: a position at the distance r from the centre comes from r * sin(pi / 2 * r / half diagonal).
+ * The radius limits the area only; the bend depends on the picture's size. (Straight above and below the centre x is
+ * moved by offsetX on top.)
+ *   radius            of the area, the rim included; 0 and an empty width or height are refused with
+ *                     ZLV40_ERROR_BAD_ARGUMENT; below 0 and for NaN no point is in it
+ *   offsetX, offsetY  of the centre to the right and down */
+#define ZLV40_AddLensTransform _ZLV40_AddLensTransform
+ZLV40_API uint32_t ZLV40_AddLensTransform(uint32_t width, uint32_t height, double radius, int32_t offsetX,
+                                          int32_t offsetY);
+
+/* Where ZLV40_AddOffsetTransform brings back what leaves the picture. Any other value is ZLV40_WRAP_NONE. */
+enum ZLV40_Wrap {
+    ZLV40_WRAP_NONE = 0, /* nowhere */
+    ZLV40_WRAP_BOTH = 1, /* on the opposite side */
+    ZLV40_WRAP_X = 2,    /* left and right only */
+    ZLV40_WRAP_Y = 3     /* above and below only */
+};
+
+/* Shifts the picture by shiftX to the right and shiftY down.
+ *   wrap  a ZLV40_WRAP_ value: on these axes what is below 0 is moved by the picture's size once, and then what is
+ *         above the last pixel is moved back once */
+#define ZLV40_AddOffsetTransform _ZLV40_AddOffsetTransform
+ZLV40_API uint32_t ZLV40_AddOffsetTransform(uint32_t width, uint32_t height, double shiftX, double shiftY,
+                                            uint32_t wrap);
+
+/* Pinches a round area: a position at the distance r from the centre comes from r + strength * (1 - r / half diagonal),
+ * but never from beyond the centre.
+ *   radius            as for the lens
+ *   strength          in pixels: above 0 the picture shrinks towards the centre, below 0 it grows
+ *   offsetX, offsetY  of the centre to the right and down */
+#define ZLV40_AddPinchTransform _ZLV40_AddPinchTransform
+ZLV40_API uint32_t ZLV40_AddPinchTransform(uint32_t width, uint32_t height, double radius, double strength,
+                                           int32_t offsetX, int32_t offsetY);
+
+/* The curves of ZLV40_AddPointAttractorTransform: how far a position moves by its distance from the centre. Any other
+ * value moves nothing. */
+enum ZLV40_Attraction {
+    ZLV40_ATTRACT_LINEAR = 0, /* evenly less and less */
+    ZLV40_ATTRACT_SINE = 1,   /* half waves that begin with 0 */
+    ZLV40_ATTRACT_COSINE = 2, /* half waves that begin with all of it */
+    ZLV40_ATTRACT_SQUARE = 3, /* a parabola that begins with 0, and the other way */
+    ZLV40_ATTRACT_CUBIC = 4,  /* fast, hardly, and fast again */
+    ZLV40_ATTRACT_ARC = 5     /* more and more, ever slower */
+};
+
+/* Draws the whole picture towards a centre or drives it away: a position at the distance r from the centre comes from
+ * r + strength * s, but never from beyond the centre. The centre itself stays. With u = r / half diagonal, f = the
+ * frequency and w = u - 0.7, s is
+ *   ZLV40_ATTRACT_LINEAR  1 - u f                    ZLV40_ATTRACT_SQUARE  -u f + (u f)^2
+ *   ZLV40_ATTRACT_SINE    sin(pi u f)                ZLV40_ATTRACT_CUBIC   (18 w^3 + 12 w^2 + w - 2) / 2 + 1.5
+ *   ZLV40_ATTRACT_COSINE  cos(pi u f) / 2 + 1 / 2    ZLV40_ATTRACT_ARC     atan(u f)
+ * and 0 for any other mode.
+ *   strength          in pixels
+ *   offsetX, offsetY  of the centre to the right and down
+ *   mode              a ZLV40_ATTRACT_ value
+ * An empty width or height is refused with ZLV40_ERROR_BAD_ARGUMENT. */
+#define ZLV40_AddPointAttractorTransform _ZLV40_AddPointAttractorTransform
+ZLV40_API uint32_t ZLV40_AddPointAttractorTransform(uint32_t width, uint32_t height, double strength, int32_t offsetX,
+                                                    int32_t offsetY, uint32_t mode, double frequency);
+
+/* What ZLV40_AddPolygonTransform squeezes. Any other value is nothing. */
+enum ZLV40_PolygonWarp {
+    ZLV40_POLYGON_ROWS = 0,      /* each row to the polygon's width there */
+    ZLV40_POLYGON_COLUMNS = 1,   /* each column to the polygon's height there */
+    ZLV40_POLYGON_BOTH = 2,      /* rows and columns */
+    ZLV40_POLYGON_ROWS_AGAIN = 5 /* the same as ROWS */
+};
+
+/* Squeezes the picture into a convex polygon: each of its rows is stretched to the whole width, each of its columns to
+ * the whole height, or both. What is outside the polygon, or the picture, is outside.
+ *   polygon     pointCount points, in any order: their convex hull counts. Not kept. It is refused with
+ *               ZLV40_ERROR_BAD_ARGUMENT when it is NULL, has fewer than three points, has them all in a line, covers
+ *               no pixel's centre or billions of rows; so it is without memory for its rows
+ *   mode        a ZLV40_POLYGON_ value. A span's ends are inside when rows alone are squeezed, otherwise outside. Any
+ *               other value changes nothing but that the picture's outside is outside
+ * An empty width or height is taken for a picture of one point, (0, 0). */
+#define ZLV40_AddPolygonTransform _ZLV40_AddPolygonTransform
+ZLV40_API uint32_t ZLV40_AddPolygonTransform(uint32_t width, uint32_t height, const point* polygon, uint32_t pointCount,
+                                             uint32_t mode);
+
+/* Scatters the pixels: each position moves by random amounts in x and y, above -amount / 2 and up to amount / 2, in
+ * steps of a thousandth of it. Seeds this thread's random generator with the time in seconds, and draws from it with
+ * every use, two numbers for each position that gets here: no two runs are alike.
+ * An empty width or height is refused with ZLV40_ERROR_BAD_ARGUMENT. */
+#define ZLV40_AddRandomTransform _ZLV40_AddRandomTransform
+ZLV40_API uint32_t ZLV40_AddRandomTransform(uint32_t width, uint32_t height, double amount);
+
+/* How the waves of ZLV40_AddRippleTransform change from the centre to the rim. Any other value is even, too. */
+enum ZLV40_RippleFalloff {
+    ZLV40_RIPPLE_EVEN = 0,   /* not at all */
+    ZLV40_RIPPLE_LINEAR = 1, /* they fade evenly */
+    ZLV40_RIPPLE_SQUARE = 2, /* they fade fast, then slowly */
+    ZLV40_RIPPLE_SINE = 3,   /* they grow from nothing at the centre */
+    ZLV40_RIPPLE_COSINE = 4  /* they fade slowly, then fast */
+};
+
+/* Rings like those on water: with t = r / radius, a position at the distance r from the centre comes from
+ * r + amplitude * sin(pi t frequency) * weight, beyond the centre if that is below 0.
+ *   radius            of the area, the rim and the centre included; 0 is refused with ZLV40_ERROR_BAD_ARGUMENT; below 0
+ *                     and for NaN no point is in it
+ *   amplitude         in pixels
+ *   frequency         half waves from the centre to the rim
+ *   offsetX, offsetY  of the centre to the right and down
+ *   falloff           a ZLV40_RIPPLE_ value: the weight is 1 (even), 1 - t (linear), (1 - t)^2 (square),
+ *                     sin(pi t / 2) (sine) or cos(pi t / 2) (cosine)
+ * An empty width or height is taken: the centre is at the offset from (0, 0) then. */
+#define ZLV40_AddRippleTransform _ZLV40_AddRippleTransform
+ZLV40_API uint32_t ZLV40_AddRippleTransform(uint32_t width, uint32_t height, double radius, double amplitude,
+                                            double frequency, double offsetX, double offsetY, uint32_t falloff);
+
+/* Turns a round area, in its centre by the whole angle and less and less towards the rim.
+ *   radius            as for the lens
+ *   angleDegrees      above 0 what is seen turns counterclockwise
+ *   offsetX, offsetY  of the centre to the right and down */
+#define ZLV40_AddSpinTransform _ZLV40_AddSpinTransform
+ZLV40_API uint32_t ZLV40_AddSpinTransform(uint32_t width, uint32_t height, double radius, double angleDegrees,
+                                          int32_t offsetX, int32_t offsetY);
+
+/* Turns a round area in waves: at the distance r from the centre by angleDegrees * (1 - q cos(q frequency)), with
+ * q = r / radius. Everything else is as for ZLV40_AddSpinTransform. */
+#define ZLV40_AddSpinWaveTransform _ZLV40_AddSpinWaveTransform
+ZLV40_API uint32_t ZLV40_AddSpinWaveTransform(uint32_t width, uint32_t height, double radius, double angleDegrees,
+                                              double frequency, int32_t offsetX, int32_t offsetY);
+
+/* Warps by a function of the client's. width and height are not looked at.
+ *   callback  not NULL, or ZLV40_ERROR_BAD_ARGUMENT
+ *   userData  handed to every call of it */
+#define ZLV40_AddUserTransform _ZLV40_AddUserTransform
+ZLV40_API uint32_t ZLV40_AddUserTransform(uint32_t width, uint32_t height, ZLVWarpFunction callback, void* userData);
+
+/* How ZLV40_AddWowTransform grows towards the rim. Any other value is linear, too. */
+enum ZLV40_Wow {
+    ZLV40_WOW_LINEAR = 0, /* evenly */
+    ZLV40_WOW_SINE = 1    /* along a sine, and less far */
+};
+
+/* Blows the picture's middle up: a position at the distance r from the centre comes from (1 - g) * r, with
+ * g = r / half diagonal or, for ZLV40_WOW_SINE, g = sin(pi / 8 * r / half diagonal). Beyond the half diagonal the first
+ * one is on the other side of the centre.
+ *   radius  as for the lens
+ *   mode    a ZLV40_WOW_ value */
+#define ZLV40_AddWowTransform _ZLV40_AddWowTransform
+ZLV40_API uint32_t ZLV40_AddWowTransform(uint32_t width, uint32_t height, double radius, uint32_t mode);
+
+/* Displaces pixels by the slopes of a relief, which repeats itself to all sides: where it rises to the right a pixel
+ * comes from further left, where it rises downwards from further down.
+ *   strength  pixels for each of three neighbours that rises from 0 to 1 between one side and the other
+ *   bumpMap   mapHeight rows of mapWidth heights without gaps, 0..255 for 0 to 1; not NULL, or
+ *             ZLV40_ERROR_BAD_ARGUMENT. Read when pictures are processed, not copied: it stays valid until the list is
+ *             cleared
+ *   mapWidth, mapHeight  1 or more, or ZLV40_ERROR_BAD_ARGUMENT
+ * Coordinates are truncated to integers towards 0. What is no number, or not within 64 bits, reads column or row 0. */
+#define ZLV40_AddBumpMapDisplacementTransform _ZLV40_AddBumpMapDisplacementTransform
+ZLV40_API uint32_t ZLV40_AddBumpMapDisplacementTransform(uint32_t width, uint32_t height, double strength,
+                                                         const uint8_t* bumpMap, uint32_t mapWidth, uint32_t mapHeight);
+
+/* Displaces pixels around the contours of a field of Perlin noise, which is made for this warp and draws from the
+ * calling thread's random generator (see ZLV40_InitializePerlinNoise3D).
+ *   strength        pixels for a slope of noise: the difference of three neighbours from the three opposite ones
+ *   scaleX, scaleY  the size of the noise's features in pixels; not 0, or ZLV40_ERROR_OUT_OF_MEMORY
+ * Where the noise is no number, pixels are outside. */
+#define ZLV40_AddPerlinDisplacementTransform _ZLV40_AddPerlinDisplacementTransform
+ZLV40_API uint32_t ZLV40_AddPerlinDisplacementTransform(uint32_t width, uint32_t height, double strength, double scaleX,
+                                                        double scaleY);
+
+/* Moves every pixel by scaleY, in a direction that turns with a field of Perlin noise, made as above.
+ *   cycles          turns from the lowest to the highest noise
+ *   scaleX, scaleY  the size of the noise's features in pixels; not 0, or ZLV40_ERROR_OUT_OF_MEMORY
+ * Empty sizes give ZLV40_ERROR_BAD_ARGUMENT. Where the noise is no number, pixels stay. */
+#define ZLV40_AddMarbleTransform _ZLV40_AddMarbleTransform
+ZLV40_API uint32_t ZLV40_AddMarbleTransform(uint32_t width, uint32_t height, double cycles, double scaleX,
+                                            double scaleY);
+
+/* Looks through a wall of glass blocks.
+ *   tileWidth, tileHeight  of a block in pixels, 1 or more, or ZLV40_ERROR_BAD_ARGUMENT
+ *   bevelWidth             of the bevelled edges in pixels
+ *   bevelStrength          how far the edge itself displaces, in pixels
+ *   flatBevel              not 0: edges have no ripples
+ *   zoom                   below 1 each block shows all of the picture at that size around its own place
+ *   noiseScale             of the ripples, which are ZLV40_GeneratePerlinNoise of this scale, made anew for every
+ *                          block: many small ones take their time
+ *   bumpStrength           pixels for a slope of the ripples by 1 of 255 levels
+ * Points are moved into the picture. Far outside it there are no ripples; with an empty size nothing is displaced. */
+#define ZLV40_AddGlassBlockTransform _ZLV40_AddGlassBlockTransform
+ZLV40_API uint32_t ZLV40_AddGlassBlockTransform(uint32_t width, uint32_t height, uint32_t tileWidth,
+                                                uint32_t tileHeight, uint32_t bevelWidth, uint32_t bevelStrength,
+                                                uint32_t flatBevel, double zoom, double noiseScale,
+                                                double bumpStrength);
+
+/* Which way ZLV40_AddLineSliceTransform and ZLV40_AddZigZagTransform shift pixels. Any other value does nothing. */
+enum ZLV40_Shift {
+    ZLV40_SHIFT_Y = 0, /* up and down: the middle row bends */
+    ZLV40_SHIFT_X = 1  /* to the sides: the middle column bends */
+};
+
+/* The next three bend the line through the middle of the picture. The picture is stretched on both sides of the line,
+ * its edges stay where they are. A position beyond the picture along the line goes to 0 or the size there, one that is
+ * no number stays. All refuse empty sizes with ZLV40_ERROR_BAD_ARGUMENT. */
+
+/* Bends the middle row or column to a slanted line.
+ *   start, end  where it is in the first and in the last column (or row), in pixels; anywhere
+ *   mode        a ZLV40_SHIFT_ value: ZLV40_SHIFT_Y bends the middle row, ZLV40_SHIFT_X the middle column */
+#define ZLV40_AddLineSliceTransform _ZLV40_AddLineSliceTransform
+ZLV40_API uint32_t ZLV40_AddLineSliceTransform(uint32_t width, uint32_t height, int32_t start, int32_t end,
+                                               uint32_t mode);
+
+/* The waves of ZLV40_AddWaveTransform, and which way they shift pixels. Any other value does nothing. */
+enum ZLV40_Wave {
+    ZLV40_WAVE_SINE_Y = 0,   /* begins in the middle; up and down */
+    ZLV40_WAVE_SINE_X = 1,   /* begins in the middle; to the sides */
+    ZLV40_WAVE_COSINE_Y = 2, /* begins at its height; up and down */
+    ZLV40_WAVE_COSINE_X = 3  /* begins at its height; to the sides */
+};
+
+/* Bends the middle row or column to a wave.
+ *   amplitudePercent  of the picture's size in the direction in which pixels are shifted
+ *   cycles            half periods from the first to the last pixel of the line
+ *   mode              a ZLV40_WAVE_ value: those for Y bend the middle row, those for X the middle column
+ * A picture of one column (or row) has no wave: with these modes all of it is outside. */
+#define ZLV40_AddWaveTransform _ZLV40_AddWaveTransform
+ZLV40_API uint32_t ZLV40_AddWaveTransform(uint32_t width, uint32_t height, double amplitudePercent, double cycles,
+                                          uint32_t mode);
+
+/* Bends the middle row or column to teeth.
+ *   amplitudePercent  from the points of the teeth to their gaps, of the picture's size along the line
+ *   teeth             1 to the pixels along the line, or ZLV40_ERROR_BAD_ARGUMENT
+ *   mode              a ZLV40_SHIFT_ value: ZLV40_SHIFT_Y bends the middle row, ZLV40_SHIFT_X the middle column
+ * Teeth of 2 or 3 pixels have no slope: there the picture is outside, or at its edge. */
+#define ZLV40_AddZigZagTransform _ZLV40_AddZigZagTransform
+ZLV40_API uint32_t ZLV40_AddZigZagTransform(uint32_t width, uint32_t height, double amplitudePercent, int32_t teeth,
+                                            uint32_t mode);
+
+/* Drags what is at one point of an image to another point, as a finger does in wet paint. The reach is twice the
+ * distance of the points in whole pixels; what is further than that from *toPoint, to the sides or up and down, is
+ * copied.
+ *   src            height rows of rowStride bytes, the last one whole as well: width pixels, 8 bits a sample,
+ *                  interleaved; not NULL; not changed
+ *   width, height  of both images, 1 or more
+ *   bytesPerPixel  channels, 1 or more
+ *   rowStride      bytes from one row to the next, width * bytesPerPixel or more
+ *   dst            height rows of rowStride bytes, not NULL; does not overlap src. All of it is written, padding is
+ *                  copied too
+ *   fromPoint      where the content is, anywhere, also outside the image; not NULL
+ *   toPoint        where it goes, anywhere; not NULL. The same point gives a plain copy
+ * Each quarter of the square around *toPoint, as far as it is inside the image, is drawn from the quadrilateral of its
+ * outer corners and *fromPoint: pixels on the square's edge stay, *toPoint becomes *fromPoint. Places are sampled with
+ * cubic convolution over sixteen pixels (R. G. Keys, 1981, parameter -1), rounded; those outside the image are moved to
+ * its edge.
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written) or ZLV40_ERROR_CANCELLED (the copy and the
+ * quarters done so far stay).
+ * Progress is reported after each quarter as 1, 2, 3 and 4 of 4, for different points. Works on the calling thread. */
+#define ZLV40_PushImage _ZLV40_PushImage
+ZLV40_API uint32_t ZLV40_PushImage(const uint8_t* src, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
+                                   uint32_t rowStride, uint8_t* dst, const point* fromPoint, const point* toPoint);
+
+/* ---- Generators --------------------------------------------------------------------------------------------- */
+
+/* Makes a field of Perlin noise: coherent noise in three dimensions, from 1791 draws of the calling thread's random
+ * generator (see ZLV40_AddGaussianNoise).
+ * Returns a handle, which the caller gives to ZLV40_DestroyPerlinNoise3D; or NULL with ZLV40_ERROR_OUT_OF_MEMORY.
+ * A field is not changed by its use: any number of threads may use it at once. Never reports progress. Works on the
+ * calling thread.
+ * Source: K. Perlin, "An image synthesizer", SIGGRAPH (1985). */
+#define ZLV40_InitializePerlinNoise3D _ZLV40_InitializePerlinNoise3D
+ZLV40_API void* ZLV40_InitializePerlinNoise3D(void);
+
+/* Frees a field of noise.
+ *   handle  of ZLV40_InitializePerlinNoise3D, not freed before; not NULL
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT for NULL. Never reports progress. Works on the calling thread. */
+#define ZLV40_DestroyPerlinNoise3D _ZLV40_DestroyPerlinNoise3D
+ZLV40_API uint32_t ZLV40_DestroyPerlinNoise3D(void* handle);
+
+/* Writes a plane through a field of noise as gray levels: at column x of row y trunc(v * 128 + 127), limited to 0..255,
+ * with the noise v, about -1..1, at the point (x * scale, y * scale, z). Points of whole numbers have no noise.
+ *   handle     of ZLV40_InitializePerlinNoise3D; not NULL
+ *   out        receives width * height bytes, row behind row without gaps; not NULL
+ *   width      samples a row, 1 or more
+ *   height     rows, 1 or more
+ *   rowStride  any; not looked at
+ *   scale      the distance of two pixels in the field, whose features have a size of about 1
+ *   z          the height of the plane
+ * Coordinates below -4096 give noise with a seam; what is not finite, 0.
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written), ZLV40_ERROR_COULD_NOT_RUN for a handle behind
+ * which there is no field any more (nothing is written), or ZLV40_ERROR_CANCELLED.
+ * Progress once a row; can be cancelled, rows done so far stay written. Works on the calling thread. */
+#define ZLV40_GetPerlinNoise3DSliceBYTE _ZLV40_GetPerlinNoise3DSliceBYTE
+ZLV40_API uint32_t ZLV40_GetPerlinNoise3DSliceBYTE(void* handle, uint8_t* out, uint32_t width, uint32_t height,
+                                                   uint32_t rowStride, double scale, double z);
+
+/* Writes a plane through a field of noise as numbers: the noise itself at (x * scale, y * scale, z). Arguments, errors
+ * and progress as with ZLV40_GetPerlinNoise3DSliceBYTE; out receives width * height doubles, NaN at points that are not
+ * finite. */
+#define ZLV40_GetPerlinNoise3DSliceDouble _ZLV40_GetPerlinNoise3DSliceDouble
+ZLV40_API uint32_t ZLV40_GetPerlinNoise3DSliceDouble(void* handle, double* out, uint32_t width, uint32_t height,
+                                                     uint32_t rowStride, double scale, double z);
+
+/* Writes a plane through a field of noise that is moved and turned. As ZLV40_GetPerlinNoise3DSliceDouble, but with
+ * a = x * scale + offsetX - pivotX and b = y * scale + offsetY - pivotY the point is
+ * (a * cos(angle) + b * sin(angle) + pivotX, b * cos(angle) - a * sin(angle) + pivotY, z).
+ *   offsetX, offsetY  of the first pixel, in the field
+ *   angle             of the turn, in radians
+ *   pivotX, pivotY    the point that stays where it is, in the field */
+#define ZLV40_GetPerlinNoise3DSliceDoubleEx _ZLV40_GetPerlinNoise3DSliceDoubleEx
+ZLV40_API uint32_t ZLV40_GetPerlinNoise3DSliceDoubleEx(void* handle, double* out, uint32_t width, uint32_t height,
+                                                       uint32_t rowStride, double scale, double z, double offsetX,
+                                                       double offsetY, double angle, double pivotX, double pivotY);
+
+/* Fills a gray image with Perlin noise: the plane at height 0 of a field that is made for this call and draws from the
+ * calling thread's random generator, also when an argument is refused.
+ *   out        receives width * height bytes, row behind row without gaps; not NULL
+ *   width      samples a row, 1 or more
+ *   height     rows, 1 or more
+ *   rowStride  any; not looked at
+ *   scale      the distance of two pixels in the field, whose features have a size of about 1
+ * Levels, errors and progress as with ZLV40_GetPerlinNoise3DSliceBYTE. The next call on a thread gives another
+ * field. */
+#define ZLV40_GeneratePerlinNoise _ZLV40_GeneratePerlinNoise
+ZLV40_API uint32_t ZLV40_GeneratePerlinNoise(uint8_t* out, uint32_t width, uint32_t height, int32_t rowStride,
+                                             double scale);
+
+/* Fills a gray image with value noise of several octaves. Each octave has one of eight integer hashes, dealt out anew
+ * by the calling thread's random generator, which is set to the system's tick count for that: two calls differ.
+ *   dst          receives height rows of width bytes; not NULL
+ *   width        samples a row, 1 or more
+ *   height       rows, 1 or more
+ *   rowStride    bytes from one row to the next; padding is not touched
+ *   octaves      one more than are summed, up to 8; 1 and less give an even 127
+ *   persistence  the amplitude of an octave is persistence to the power 0, 1, 2, ...
+ *   scale        the distance of two pixels, in points of the first octave's lattice; doubled from octave to octave
+ * The sum v, limited to -1..1, is written as 127 - trunc(v * -128), limited to 0..255; 0 where it is not a number. A
+ * hash is smoothed over 3 x 3 points of the lattice and blended between them by (1 - cos(t * 3.141596)) / 2.
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written, and the generator stays),
+ * ZLV40_ERROR_OUT_OF_MEMORY or ZLV40_ERROR_CANCELLED.
+ * Progress once a row; can be cancelled, rows done so far stay written. Works on the calling thread. */
+#define ZLV40_GenerateHugoNoise _ZLV40_GenerateHugoNoise
+ZLV40_API uint32_t ZLV40_GenerateHugoNoise(uint8_t* dst, uint32_t width, uint32_t height, uint32_t rowStride,
+                                           int32_t octaves, double persistence, double scale);
+
+/* What ZLV40_GenerateColoredNoise paints. The last four are added to a middle gray. */
+enum ZLV40_NoiseKind {
+    ZLV40_NOISE_PERLIN = 0,               /* ZLV40_GeneratePerlinNoise: clouds */
+    ZLV40_NOISE_HUGO = 1,                 /* ZLV40_GenerateHugoNoise: clouds of several sizes */
+    ZLV40_NOISE_GAUSSIAN = 2,             /* ZLV40_AddGaussianNoise: grain around the gray */
+    ZLV40_NOISE_NEGATIVE_EXPONENTIAL = 3, /* ZLV40_AddNegativeExpNoise: bright specks */
+    ZLV40_NOISE_RAYLEIGH = 4,             /* ZLV40_AddRayleighNoise: bright grain */
+    ZLV40_NOISE_UNIFORM = 5               /* ZLV40_AddUniformNoise: grain of limited height */
+};
+
+/* Paints an RGB image with noise of one hue and saturation: the noise is the value of each pixel.
+ *   dst        receives height rows of width pixels of 3 bytes: red, green, blue; not NULL
+ *   width      pixels a row, 1 or more
+ *   height     rows, 1 or more
+ *   rowStride  bytes from one row to the next; padding is not touched
+ *   colour     red in the low byte, then green, then blue; its own value plays no part, and gray ones paint in gray
+ *   amount     0..100, larger ones are 100. Perlin and Hugo noise get finer with less: their scale is
+ *              1 - amount / 100 * 0.99; the others have a variance of 100 * amount
+ *   noiseKind  a ZLV40_NoiseKind
+ * Draws from the calling thread's random generator; Hugo noise (4 octaves, persistence 0.5) also sets it.
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY (nothing is written).
+ * Never reports progress, and can't be cancelled. Works on the calling thread. */
+#define ZLV40_GenerateColoredNoise _ZLV40_GenerateColoredNoise
+ZLV40_API uint32_t ZLV40_GenerateColoredNoise(uint8_t* dst, uint32_t width, uint32_t height, uint32_t rowStride,
+                                              uint32_t colour, uint32_t amount, uint32_t noiseKind);
+
+/* What ZLV40_GradientFillImageLinear does behind its start. Any other value mirrors too. */
+enum ZLV40_GradientMode {
+    ZLV40_GRADIENT_MIRRORED = 0, /* the same colours in the other direction */
+    ZLV40_GRADIENT_ONE_SIDED = 1 /* the first stop's colour */
+};
+
+/* Paints an image with colours that change along a line.
+ *   image           receives height rows of width pixels, 8 bits a sample, interleaved; not NULL
+ *   width, height   of the image; 0 is nothing to do
+ *   bytesPerPixel   channels, 1..4: so many of a colour's bytes are written, the first ones
+ *   rowStride       bytes from one row to the next; padding is not touched
+ *   startX, startY  in pixels: where 0 percent is; not the same point as the end
+ *   endX, endY      in pixels: where 100 percent is
+ *   colors          stopCount colours of four bytes; not NULL, only read
+ *   positions       stopCount percentages, limited to 0..100, in any order; not NULL, only read. Of stops at one
+ *                   position the first and the last one count, and the colour jumps between them
+ *   stopCount       2 or more
+ *   mode            ZLV40_GRADIENT_ONE_SIDED: behind the line through the start, at right angles to the gradient,
+ *                   pixels have the first stop's colour; otherwise the gradient is mirrored there
+ *   gamma           a fraction t of the way between two stops becomes t to the power gamma; 1 leaves it
+ *   flags           ZLV40_COLORS_AS_IMAGE; without it the first and the third byte of each colour are exchanged
+ * Before the first stop and behind the last one their colours hold; the pixel of the start has the first stop's. Blends
+ * are truncated. Where a point or gamma that is not a number leaves no colour, its bytes are 0.
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY (nothing is written), or
+ * ZLV40_ERROR_CANCELLED.
+ * Progress once a row; can be cancelled, rows done so far stay painted. Works on the calling thread. */
+#define ZLV40_GradientFillImageLinear _ZLV40_GradientFillImageLinear
+ZLV40_API uint32_t ZLV40_GradientFillImageLinear(uint8_t* image, uint32_t width, uint32_t height,
+                                                 uint32_t bytesPerPixel, uint32_t rowStride, double startX,
+                                                 double startY, double endX, double endY, const uint8_t* colors,
+                                                 const double* positions, uint32_t stopCount, uint32_t mode,
+                                                 double gamma, uint32_t flags);
+
+/* Paints an image with colours that change with the distance from a centre. As ZLV40_GradientFillImageLinear, but:
+ *   radius            in pixels, above 0: the distance of 100 percent
+ *   centerX, centerY  in pixels: where 0 percent is
+ *   mode              any; not looked at
+ * Beyond the radius the last stop's colour holds. Squared distances are numbers of 32 bits and wrap: pixels 46341 and
+ * more from the centre have other colours, or none, whose bytes are 0. */
+#define ZLV40_GradientFillImageRadial _ZLV40_GradientFillImageRadial
+ZLV40_API uint32_t ZLV40_GradientFillImageRadial(uint8_t* image, uint32_t width, uint32_t height,
+                                                 uint32_t bytesPerPixel, uint32_t rowStride, double radius,
+                                                 int32_t centerX, int32_t centerY, const uint8_t* colors,
+                                                 const double* positions, uint32_t stopCount, uint32_t mode,
+                                                 double gamma, uint32_t flags);
+
+/* ---- Splines ------------------------------------------------------------------------------------------------ */
+
+/* Evaluates an open uniform B-spline through control points in space at even steps of its parameter (C. de Boor, On
+ * Calculating with B-Splines, 1972). The first point is the first control point, the last one the last.
+ *   outCount          points wanted, 1 or more; 1 gives the last control point
+ *   controlCount      control points, 3 or more and more than order
+ *   order             the degree plus 1, 1 or more: 2 gives straight lines, 4 cubic curves. The time of a point grows
+ *                     with its square
+ *   x, y, z           controlCount coordinates each; not NULL; not changed
+ *   outX, outY, outZ  receive outCount coordinates each; not NULL; may be x, y and z
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY (nothing is written).
+ * Never reports progress and can't be cancelled. Works on the calling thread. */
+#define ZLV40_Get3DSplinePoints _ZLV40_Get3DSplinePoints
+ZLV40_API uint32_t ZLV40_Get3DSplinePoints(uint32_t outCount, uint32_t controlCount, uint32_t order, const double* x,
+                                           const double* y, const double* z, double* outX, double* outY, double* outZ);
+
+/* ---- Layer styles ------------------------------------------------------------------------------------------- */
+
+/* Functions of this section report progress, and can be cancelled, only when they are called from within a progress
+ * callback. Called directly they do neither. */
+
+/* Makes a new, larger image: the source over a blurred, shifted copy of its shape. Without flags, or with other than
+ * four channels, the shadow is a rectangle on a background of one colour; otherwise it follows the alpha channel on a
+ * transparent ground.
+ *   src              height rows of width pixels, 8 bits a sample, interleaved; not NULL; not changed
+ *   width, height    may be 0 with the rectangle: there is a ground and nothing on it
+ *   bytesPerPixel    channels, 1, 3 or 4
+ *   srcRowStride     bytes from one row of src to the next, >= width * bytesPerPixel. With the rectangle src is read as
+ *                    if its rows were packed
+ *   outImage         receives the new image, rows packed, to be freed by ZLV40_FreeBlock; not NULL
+ *   outWidth, outHeight  receive its size: for a blur of 0, 25, 50, 75, 100 percent 7, 11, 17, 21, 27 pixels more than
+ *                    the source's, and the shift; not NULL
+ *   distance         of the shadow in pixels, truncated along each axis
+ *   blurPercent      0 to 100 for a blur of sigma 1 to 5; other values go on, down to none
+ *   backgroundColor  of the rectangle's ground: its lowest byte is channel 0, the highest channel 3
+ *   shadowColor      of the shadow, likewise
+ *   angle            in degrees, clockwise: 0 throws the shadow up, 90 to the right. Below 0 and above 360 the image
+ *                    and the shadow may come to lie outside, where nothing is drawn
+ *   imagePos, shadowPos  receive the upper left corners of the source and of the shadow in the new image, also when
+ *                    memory is out later; may be NULL
+ *   flags            ZLV40_SHADOW_OF_ALPHA follows the alpha channel, which four channels have; and
+ *                    ZLV40_SHADOW_TINTED gives that shadow its colour, and by itself means both
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY (also when the new image would be too
+ * large or less than a pixel wide or high, or an empty source has no alpha to follow); outImage, outWidth and outHeight
+ * are not written then. A cancel leaves a shadow that is not finished, and the result is 1. Works on the calling
+ * thread. */
+#define ZLV40_DropShadowEx _ZLV40_DropShadowEx
+ZLV40_API uint32_t ZLV40_DropShadowEx(const uint8_t* src, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
+                                      uint32_t srcRowStride, uint8_t** outImage, uint32_t* outWidth,
+                                      uint32_t* outHeight, int32_t distance, int32_t blurPercent,
+                                      uint32_t backgroundColor, uint32_t shadowColor, int32_t angle, point* imagePos,
+                                      point* shadowPos, uint32_t flags);
+
+/* ZLV40_DropShadowEx of an image whose rows are packed, without the two corners. */
+#define ZLV40_DropShadow _ZLV40_DropShadow
+ZLV40_API uint32_t ZLV40_DropShadow(const uint8_t* src, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
+                                    uint8_t** outImage, uint32_t* outWidth, uint32_t* outHeight, int32_t distance,
+                                    int32_t blurPercent, uint32_t backgroundColor, uint32_t shadowColor, int32_t angle,
+                                    uint32_t flags);
+
+/* Frames an image with four shades, in place, so that it looks raised or sunken. A shade is a percentage: samples are
+ * multiplied by shade / 100, limited to 255 and truncated; 100 changes nothing.
+ *   image          height rows of width pixels, 8 bits a sample, interleaved; not NULL
+ *   width, height  1 or more, and at least 2 * bevelWidth
+ *   rowStride      bytes from one row to the next
+ *   bevelWidth     of the frame, in pixels
+ *   bytesPerPixel  channels
+ *   flags          ZLV40_PROTECT_ALPHA leaves the fourth of four channels alone
+ *   leftShade, topShade, rightShade, bottomShade  in percent, limited to 0 to 255 and truncated; not NaN. The corners
+ *                  are the top's and the bottom's
+ *   blur           blurs the frame by a Gaussian of sigma blur / 100; 0 leaves it sharp
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY, also for an empty image (nothing is
+ * written), or ZLV40_ERROR_CANCELLED (rows done so far stay). Progress once a row. Works on the calling thread. */
+#define ZLV40_ShadeBevelEdge _ZLV40_ShadeBevelEdge
+ZLV40_API uint32_t ZLV40_ShadeBevelEdge(uint8_t* image, uint32_t width, uint32_t height, uint32_t rowStride,
+                                        uint32_t bevelWidth, uint32_t bytesPerPixel, uint32_t flags, double leftShade,
+                                        double topShade, double rightShade, double bottomShade, double blur);
+
+/* Puts a soft halo of one colour behind the shape that the alpha channel describes, in place: the alpha is blurred,
+ * reshaped by a curve, and becomes the new alpha where it is larger.
+ *   image          height rows of width pixels of four channels, the last one alpha; not NULL
+ *   width, height  1 or more
+ *   rowStride      bytes from one row to the next
+ *   size           reach of the glow in pixels: a Gaussian of sigma size / 2.5
+ *   opacity        of the glow, limited to 0 to 1; not NaN
+ *   color          of the glow: its lowest byte is channel 0; the highest one is not used
+ *   curve          256 bytes, the coverage for each blurred alpha; NULL for (i / 256) to the power 5 / 9, times 256
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY, also for an empty image; nothing is
+ * written then. The blur's progress; a cancel ends the blur, and the result is 1. Works on the calling thread. */
+#define ZLV40_OuterGlowRGBA _ZLV40_OuterGlowRGBA
+ZLV40_API uint32_t ZLV40_OuterGlowRGBA(uint8_t* image, uint32_t width, uint32_t height, uint32_t rowStride,
+                                       uint32_t size, double opacity, uint32_t color, const uint8_t* curve);
+
+/* Tints a shape from its edges inwards, in place: what is transparent is blurred into the shape, reshaped by a curve,
+ * and gives the colour's share. Alpha stays, and so do pixels whose alpha is 0. Arguments and results as with
+ * ZLV40_OuterGlowRGBA, but that the default curve does not know the opacity, which limits the share. */
+#define ZLV40_InnerGlowRGBA _ZLV40_InnerGlowRGBA
+ZLV40_API uint32_t ZLV40_InnerGlowRGBA(uint8_t* image, uint32_t width, uint32_t height, uint32_t rowStride,
+                                       uint32_t size, double opacity, uint32_t color, const uint8_t* curve);
+
+/* ---- Content-aware resizing --------------------------------------------------------------------------------- */
+
+/* Changes the width of an image and keeps what stands out in it: removes or inserts seams, paths of little detail from
+ * the first row to the last that move one column to the side a row at most (S. Avidan and A. Shamir, Seam Carving for
+ * Content-Aware Image Resizing, 2007). The pixels on both sides of a removed seam are merged into one; an inserted
+ * pixel is the mean of its two neighbours.
+ *   src            height rows of width pixels, 8 bits a sample, interleaved; not NULL; not changed
+ *   width, height  of src, 3 or more; the result is width + seamCount wide, which must be 4 or more
+ *   bytesPerPixel  channels, 3 or 4. The fourth one is changed like the others, but is no detail to keep
+ *   srcRowStride   bytes from one row of src to the next, >= width * bytesPerPixel. Detail is first measured in packed
+ *                  rows of 3-byte pixels: a source with padding or with 4 channels gives its seams from what stands in
+ *                  its memory there, and better ones as a packed image of 3 channels
+ *   mask           height rows of width bytes, or NULL: below 128 they attract seams, above 128 they repel them. A mask
+ *                  of 128 is not quite the same as none: with a mask, or on two threads, the last column is continued
+ *                  from the two columns to its left, else from the one straight above it and the one to its left
+ *   maskRowStride  bytes from one row of mask to the next
+ *   dst            height rows of the result, not NULL; may be src. It holds height * dstRowStride bytes: the rows of
+ *                  the widest state of the image are copied as far as dstRowStride reaches, padding included. Rows of
+ *                  less than the result's width receive its beginning
+ *   dstRowStride   bytes from one row of dst to the next
+ *   seamCount      below 0 removes -seamCount seams, above 0 inserts that many. 0 copies rows of the smaller stride,
+ *                  padding included
+ *   insertPenalty  0..65535: what the pixels around an inserted seam count more from then on, so that the next seam
+ *                  takes another way; 0 widens one place. Not used when seams are removed
+ *   flags          ZLV40_ONE_THREAD works on the calling thread. Otherwise two threads, started anew for every seam,
+ *                  share the columns and wait for each other in every row
+ * Choose ZLV40_ONE_THREAD. The two threads hand over to each other in every row, and that costs more than half a row
+ * of additions saves: at 640 x 480 they take several times as long as one, at 1920 x 1080 longer still. Only from some
+ * 4000 columns on, with two idle processors, are they as fast or a little faster.
+ * Where several ways are equally good the thread's random generator chooses.
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT, ZLV40_ERROR_OUT_OF_MEMORY, ZLV40_ERROR_COULD_NOT_RUN when a thread
+ * can't be started, ZLV40_ERROR_TIME_OUT when one is not ready, or with its half of a row, within a second, or
+ * ZLV40_ERROR_CANCELLED. dst is written when all is done: whatever fails leaves it as it was.
+ * Progress once a seam as (seam, number of seams). Can be cancelled. The detail of src is measured on four threads
+ * in either form; all threads have ended when the call returns. */
+#define ZLV40_SeamCarve _ZLV40_SeamCarve
+ZLV40_API uint32_t ZLV40_SeamCarve(const uint8_t* src, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
+                                   uint32_t srcRowStride, const uint8_t* mask, uint32_t maskRowStride, uint8_t* dst,
+                                   uint32_t dstRowStride, int32_t seamCount, uint16_t insertPenalty, uint32_t flags);
 
 #ifdef __cplusplus
 }

@@ -15,6 +15,7 @@ REALS = ("f32", "f64")
 OF_THE_COMMAND = {"help", "jobs", "output", "quality", "format", "quiet", "progress", "version"}
 CHANNELS_OF_PICTURES = (1, 2, 3, 4)
 LONGEST_LITERAL = 2000
+ALL_CHANNELS = 255  # an effect takes eight at most
 MASK_OF_FLAGS, MASK_ABOUT = "channel-mask", "bit c selects channel c"
 
 
@@ -70,7 +71,8 @@ def parameters_of_argument(argument, where):
         description.fail(where, "the command needs a default")
     parameter = {"name": facts.get("option", dashed(argument.name)), "argument": argument.name}
     if argument.role == "mask":
-        parameter |= {"kind": "mask", "default": facts.get("default", "all")}
+        chosen = facts.get("default", ALL_CHANNELS)
+        parameter |= {"kind": "mask", "default": "all" if chosen & ALL_CHANNELS == ALL_CHANNELS else chosen}
     elif argument.role == "choice":
         choices = [{key: choice.get(key, "") for key in ("name", "value", "about")} for choice in facts["choices"]]
         named = [choice["name"] for choice in choices if choice["value"] == facts["default"]]
@@ -295,10 +297,16 @@ def effect_entry(family, export, found):
         "\n    " + long_quoted(json.dumps(listing(family, export, found))))
 
 
+def in_order(family):
+    """Its exports, each with the recipes about it behind it."""
+    places = [export.name for export in family.exports]
+    return sorted(family.exports + family.recipes,
+                  key=lambda export: places.index(export.function) if export.function in places else len(places))
+
+
 def commands(families):
-    """[(family, export)] of the exports and recipes that are commands, in the description's order."""
-    found = [(family, export) for family in families for export in family.exports + family.recipes
-             if "command" in export.facts]
+    """[(family, export)] of the exports and recipes that are commands, in the order of the exports that they show."""
+    found = [(family, export) for family in families for export in in_order(family) if "command" in export.facts]
     names = [export.facts["command"] for _, export in found]
     for (family, export), name in zip(found, names):
         if names.count(name) > 1:

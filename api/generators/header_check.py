@@ -40,6 +40,10 @@ def compare(header, families):
         found = declared_arguments(match["arguments"])
         if found != wanted:
             mistakes.append(f"{name} is declared with {found}, described with {wanted}")
+    if not mistakes and list(declared) != list(described):
+        first = next(name for name, wanted in zip(declared, described) if name != wanted)
+        mistakes.append(f"{first} stands at another place than in the description; header, catalogue and pages have "
+                        "one order")
     return mistakes + flag_mistakes(header, described)
 
 

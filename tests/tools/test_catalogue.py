@@ -8,9 +8,7 @@ from generators import catalogue
 
 
 def described_commands():
-    return {export.facts["command"]: (family, export) for family in description.read_all()
-            for export in family.exports + family.recipes
-            if "command" in export.facts}
+    return {export.facts["command"]: (family, export) for family, export in catalogue.commands(description.read_all())}
 
 
 class List(CommandTest):
