@@ -32,11 +32,11 @@ uint32_t Process(const EffectCall& call, const WarpSettings& settings)
 
 }  // namespace
 
-uint32_t WarpOnce(const EffectCall& call, AddWarp add)
+uint32_t WarpOnce(const EffectCall& call, const AddOneWarp& add, const WarpSettings& settings)
 {
     const WarpList list;
     if (add(call.source.width, call.source.height, call.values) == 0) return 0;
-    return Process(call, {});
+    return Process(call, settings);
 }
 
 uint32_t WarpByList(const EffectCall& call, const std::vector<ChainStep>& warps, const WarpSettings& settings)

@@ -5,6 +5,8 @@
 #include "catalogue.h"
 #include "chain.h"
 
+#include <functional>
+
 namespace zlv {
 
 // How a picture goes through a list.
@@ -15,8 +17,9 @@ struct WarpSettings {
     uint32_t background = 0;
 };
 
-// The call of an effect that is one warp.
-uint32_t WarpOnce(const EffectCall& call, AddWarp add);
+// The call of an effect that is one warp; `add` does what an AddWarp does.
+using AddOneWarp = std::function<uint32_t(uint32_t width, uint32_t height, std::span<const double> values)>;
+uint32_t WarpOnce(const EffectCall& call, const AddOneWarp& add, const WarpSettings& settings = {});
 
 // The warps, each with its values, as one call: the picture is sampled once.
 uint32_t WarpByList(const EffectCall& call, const std::vector<ChainStep>& warps, const WarpSettings& settings);
