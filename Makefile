@@ -1,9 +1,10 @@
 # The few commands of this project. Plain `make` explains them.
 .DEFAULT_GOAL := help
-.PHONY: help demo test bench lint library windows math-report clean
+.PHONY: help demo docs test bench lint library windows math-report clean
 
 help:
 	@echo "make demo         build the library, apply its effects to a picture, write build/gallery/index.html"
+	@echo "make docs         render docs/effects.md and its pictures with the command of this build"
 	@echo "make test         build and run every test: Linux, Windows under Wine, sanitizers, consumers, fuzzers"
 	@echo "make bench        measure every export beside its peers; a table, and build/bench/results.json"
 	@echo "make library      build libzlv40.so, its tools and its quick tests (build/linux)"
@@ -16,6 +17,9 @@ help:
 
 demo:
 	@scripts/demo.sh
+
+docs:
+	@scripts/docs.sh
 
 test:
 	@scripts/test.sh

@@ -4,6 +4,8 @@
     generate.py OUTPUT WHAT...      writes each WHAT below the folder OUTPUT
     generate.py --check-header include/zlv40.h
     generate.py --check-readme README.md
+    generate.py --effects docs/effects.md            writes the page; --check-effects compares it
+    generate.py --pictures                           the command lines that make the page's pictures
     generate.py --list
 """
 import argparse
@@ -11,8 +13,9 @@ import pathlib
 import sys
 
 import description
-from generators import call_table, catalogue, export_lists, header_check, reference
+from generators import call_table, catalogue, effects_page, export_lists, header_check, reference
 
+HEADER = pathlib.Path(__file__).resolve().parent.parent / "include" / "zlv40.h"
 GENERATORS = {
     "def": export_lists.write_def,
     "map": export_lists.write_map,
@@ -37,6 +40,9 @@ def main():
     parser.add_argument("what", nargs="*", choices=[[], *GENERATORS])
     parser.add_argument("--check-header", type=pathlib.Path)
     parser.add_argument("--check-readme", type=pathlib.Path)
+    parser.add_argument("--effects", type=pathlib.Path)
+    parser.add_argument("--check-effects", type=pathlib.Path)
+    parser.add_argument("--pictures", action="store_true", help="the command lines of the page's pictures")
     parser.add_argument("--list", action="store_true", help="the names of all described exports")
     options = parser.parse_args()
     try:
@@ -57,6 +63,14 @@ def run(options):
         wanted = f"<!-- effects -->\n{reference.effects_table(families)}<!-- /effects -->"
         if wanted not in options.check_readme.read_text():
             sys.exit(f"{options.check_readme}: its table of effects should read\n\n{wanted}")
+    if options.effects:
+        write_if_changed(options.effects, effects_page.write(families, HEADER.read_text(), options.effects.parent))
+    if options.check_effects:
+        mistakes = effects_page.check(options.check_effects, families, HEADER.read_text())
+        if mistakes:
+            sys.exit("\n".join(mistakes))
+    if options.pictures:
+        print(effects_page.rendering(families), end="")
     for what in options.what:
         for name, text in GENERATORS[what](families).items():
             write_if_changed(options.output / name, text)
