@@ -113,6 +113,8 @@ static inline void ZLV40_FreeBlock(void* block) { free(block); }
 
 /* ---- Administration ----------------------------------------------------------------------------------------- */
 
+/* Administration. These functions always do what they say: none reports progress, none can be cancelled, none fails. */
+
 /* Tells why the latest effect on this thread failed.
  * Returns a ZLV40_ERROR_ code, 0 after a success and on a fresh thread. Does not clear it: the next effect on this
  * thread does. Never reports progress. Concerns the calling thread alone. */
@@ -157,8 +159,9 @@ ZLV40_API void ZLV40_Exit(void);
  *   height         rows; 0 is nothing to do
  *   bytesPerPixel  channels, 0 or more; 0 is nothing to do
  *   rowStride      bytes from one row to the next, >= width * bytesPerPixel; padding is not touched
- * flags          0, or ZLV40_PROTECT_ALPHA: channel 3 is left alone (only with 4 channels); other bits are ignored
- * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT (nothing is written) or ZLV40_ERROR_OUT_OF_MEMORY.
+ *   flags          0, or ZLV40_PROTECT_ALPHA: channel 3 is left alone; refused with other than 4 channels. Other bits
+ *                  are ignored
+ * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY (nothing is written).
  * Never reports progress and can't be cancelled. Works on the calling thread. */
 #define ZLV40_InvertImage _ZLV40_InvertImage
 ZLV40_API uint32_t ZLV40_InvertImage(uint8_t* buffer, uint32_t width, uint32_t height, int32_t bytesPerPixel,
@@ -752,9 +755,9 @@ enum { ZLV40_MOST_MOTION_STEPS = 8421504 /* on an arc or a ray: the sum of so ma
  *   src            height rows of width pixels, 8 bits a sample, interleaved; not NULL, only read
  *   width          pixels a row, 1 or more
  *   height         rows, 1 or more
- *   srcRowStride   bytes from one row of src to the next
+ *   srcRowStride   bytes from one row of src to the next, >= width * bytesPerPixel
  *   dst            receives an image of the same shape; not NULL; must not overlap src
- *   dstRowStride   bytes from one row of dst to the next; padding is not touched
+ *   dstRowStride   bytes from one row of dst to the next, >= width * bytesPerPixel; padding is not touched
  *   bytesPerPixel  channels, 1 or more; all of them are blurred
  *   angle          degrees, of a linear walk: 0 goes down, 90 to the right; not looked at in the other modes
  *   amount         how far a step goes: pixels of a linear walk; in spin mode 1 / (10 pi) radians; in zoom mode
@@ -779,7 +782,7 @@ ZLV40_API uint32_t ZLV40_MotionBlur(const uint8_t* src, int32_t width, int32_t h
  *   width          pixels a row, 1 or more
  *   height         rows, 1 or more
  *   bytesPerPixel  channels, 1 to 8
- *   rowStride      bytes from one row to the next; padding is not touched
+ *   rowStride      bytes from one row to the next, >= width * bytesPerPixel; padding is not touched
  *   variance       of the noise, in squared levels: 0 to 1e307; with 0 the mean alone is added
  *   mean           of the noise, in levels; finite
  *   monochrome     0 draws a value for each selected sample of a pixel, channel 0 first; otherwise one is drawn for
@@ -1341,7 +1344,8 @@ ZLV40_API uint32_t ZLV40_SegmentedColorizeRGBImage(const uint8_t* source, uint32
                                                    uint32_t mode, uint32_t filterSize, uint64_t reserved);
 
 /* ZLV40_SegmentedColorizeRGBImage with one of two modes.
- *   useMedian  0 for ZLV40_SEGMENT_CLOSE, anything else for ZLV40_SEGMENT_MEDIAN */
+ *   useMedian  0 for ZLV40_SEGMENT_CLOSE, anything else for ZLV40_SEGMENT_MEDIAN
+ * For the other arguments, results, progress and threads see there. */
 #define ZLV40_SegmentedColorizeRGB _ZLV40_SegmentedColorizeRGB
 ZLV40_API uint32_t ZLV40_SegmentedColorizeRGB(const uint8_t* source, uint32_t width, uint32_t height,
                                               uint64_t sourceStride, uint8_t* destination, int32_t destinationStride,
@@ -1442,7 +1446,7 @@ ZLV40_API uint32_t ZLV40_ReflectImage(const uint8_t* source, uint32_t width, uin
  * Add functions return 1; or 0 with ZLV40_ERROR_OUT_OF_MEMORY or the code that they name, and the list as it was. They
  * report no progress. */
 
-/* Empties this thread's warp list. */
+/* Empties this thread's warp list, and clears its last error. Never reports progress. Works on the calling thread. */
 #define ZLV40_ClearAllTransforms _ZLV40_ClearAllTransforms
 ZLV40_API void ZLV40_ClearAllTransforms(void);
 
@@ -1468,9 +1472,9 @@ enum ZLV40_Sampling {
 /* Sends a picture through this thread's warp list. An empty list copies it.
  *   src            height rows of width pixels, 8 bits a sample, interleaved; not NULL; not changed
  *   width, height  of both images; nothing is written when one is 0
- *   srcRowStride   bytes from one row of src to the next
+ *   srcRowStride   bytes from one row of src to the next, >= width * bytesPerPixel
  *   dst            an image of the same shape, not NULL; does not overlap src. Padding is not touched
- *   dstRowStride   bytes from one row of dst to the next
+ *   dstRowStride   bytes from one row of dst to the next, >= width * bytesPerPixel
  *   bytesPerPixel  channels, 0 or more; nothing is written for 0
  *   flags          a ZLV40_SAMPLING_ value; and
  *                  ZLV40_KEEP_DESTINATION takes what dst holds in place of background
@@ -1811,7 +1815,8 @@ ZLV40_API uint32_t ZLV40_GetPerlinNoise3DSliceDouble(void* handle, double* out, 
  * (a * cos(angle) + b * sin(angle) + pivotX, b * cos(angle) - a * sin(angle) + pivotY, z).
  *   offsetX, offsetY  of the first pixel, in the field
  *   angle             of the turn, in radians
- *   pivotX, pivotY    the point that stays where it is, in the field */
+ *   pivotX, pivotY    the point that stays where it is, in the field
+ * Results, progress and threads are those of ZLV40_GetPerlinNoise3DSliceBYTE. */
 #define ZLV40_GetPerlinNoise3DSliceDoubleEx _ZLV40_GetPerlinNoise3DSliceDoubleEx
 ZLV40_API uint32_t ZLV40_GetPerlinNoise3DSliceDoubleEx(void* handle, double* out, uint32_t width, uint32_t height,
                                                        uint32_t rowStride, double scale, double z, double offsetX,
@@ -1835,7 +1840,7 @@ ZLV40_API uint32_t ZLV40_GeneratePerlinNoise(uint8_t* out, uint32_t width, uint3
  *   dst          receives height rows of width bytes; not NULL
  *   width        samples a row, 1 or more
  *   height       rows, 1 or more
- *   rowStride    bytes from one row to the next; padding is not touched
+ *   rowStride    bytes from one row to the next, >= width; padding is not touched
  *   octaves      one more than are summed, up to 8; 1 and less give an even 127
  *   persistence  the amplitude of an octave is persistence to the power 0, 1, 2, ...
  *   scale        the distance of two pixels, in points of the first octave's lattice; doubled from octave to octave
@@ -1862,7 +1867,7 @@ enum ZLV40_NoiseKind {
  *   dst        receives height rows of width pixels of 3 bytes: red, green, blue; not NULL
  *   width      pixels a row, 1 or more
  *   height     rows, 1 or more
- *   rowStride  bytes from one row to the next; padding is not touched
+ *   rowStride  bytes from one row to the next, >= width * 3; padding is not touched
  *   colour     red in the low byte, then green, then blue; its own value plays no part, and gray ones paint in gray
  *   amount     0..100, larger ones are 100. Perlin and Hugo noise get finer with less: their scale is
  *              1 - amount / 100 * 0.99; the others have a variance of 100 * amount
@@ -1884,7 +1889,7 @@ enum ZLV40_GradientMode {
  *   image           receives height rows of width pixels, 8 bits a sample, interleaved; not NULL
  *   width, height   of the image; 0 is nothing to do
  *   bytesPerPixel   channels, 1..4: so many of a colour's bytes are written, the first ones
- *   rowStride       bytes from one row to the next; padding is not touched
+ *   rowStride       bytes from one row to the next, >= width * bytesPerPixel; padding is not touched
  *   startX, startY  in pixels: where 0 percent is; not the same point as the end
  *   endX, endY      in pixels: where 100 percent is
  *   colors          stopCount colours of four bytes; not NULL, only read
@@ -1912,7 +1917,7 @@ ZLV40_API uint32_t ZLV40_GradientFillImageLinear(uint8_t* image, uint32_t width,
  *   centerX, centerY  in pixels: where 0 percent is
  *   mode              any; not looked at
  * Beyond the radius the last stop's colour holds. Squared distances are numbers of 32 bits and wrap: pixels 46341 and
- * more from the centre have other colours, or none, whose bytes are 0. */
+ * more from the centre have other colours, or none, whose bytes are 0. Results, progress and threads are the same. */
 #define ZLV40_GradientFillImageRadial _ZLV40_GradientFillImageRadial
 ZLV40_API uint32_t ZLV40_GradientFillImageRadial(uint8_t* image, uint32_t width, uint32_t height,
                                                  uint32_t bytesPerPixel, uint32_t rowStride, double radius,
@@ -1922,8 +1927,9 @@ ZLV40_API uint32_t ZLV40_GradientFillImageRadial(uint8_t* image, uint32_t width,
 
 /* ---- Splines ------------------------------------------------------------------------------------------------ */
 
-/* Evaluates an open uniform B-spline through control points in space at even steps of its parameter (C. de Boor, On
- * Calculating with B-Splines, 1972). The first point is the first control point, the last one the last.
+/* Evaluates an open uniform B-spline of control points in space at even steps of its parameter (C. de Boor, On
+ * Calculating with B-Splines, 1972). The first point is the first control point, the last one the last; between them the
+ * curve is drawn towards its control points, and with an order of 2 goes through them.
  *   outCount          points wanted, 1 or more; 1 gives the last control point
  *   controlCount      control points, 3 or more and more than order
  *   order             the degree plus 1, 1 or more: 2 gives straight lines, 4 cubic curves. The time of a point grows
@@ -1960,7 +1966,7 @@ ZLV40_API uint32_t ZLV40_Get3DSplinePoints(uint32_t outCount, uint32_t controlCo
  *                    and the shadow may come to lie outside, where nothing is drawn
  *   imagePos, shadowPos  receive the upper left corners of the source and of the shadow in the new image, also when
  *                    memory is out later; may be NULL
- *   flags            ZLV40_SHADOW_OF_ALPHA follows the alpha channel, which four channels have; and
+ *   flags            0, or ZLV40_SHADOW_OF_ALPHA follows the alpha channel; refused with other than four channels; and
  *                    ZLV40_SHADOW_TINTED gives that shadow its colour, and by itself means both
  * Returns 1; or 0 with ZLV40_ERROR_BAD_ARGUMENT or ZLV40_ERROR_OUT_OF_MEMORY (also when the new image would be too
  * large or less than a pixel wide or high, or an empty source has no alpha to follow); outImage, outWidth and outHeight
@@ -1973,7 +1979,8 @@ ZLV40_API uint32_t ZLV40_DropShadowEx(const uint8_t* src, uint32_t width, uint32
                                       uint32_t backgroundColor, uint32_t shadowColor, int32_t angle, point* imagePos,
                                       point* shadowPos, uint32_t flags);
 
-/* ZLV40_DropShadowEx of an image whose rows are packed, without the two corners. */
+/* ZLV40_DropShadowEx of an image whose rows are packed, without the two corners. For arguments, results, progress and
+ * threads see there. */
 #define ZLV40_DropShadow _ZLV40_DropShadow
 ZLV40_API uint32_t ZLV40_DropShadow(const uint8_t* src, uint32_t width, uint32_t height, uint32_t bytesPerPixel,
                                     uint8_t** outImage, uint32_t* outWidth, uint32_t* outHeight, int32_t distance,
@@ -1984,10 +1991,10 @@ ZLV40_API uint32_t ZLV40_DropShadow(const uint8_t* src, uint32_t width, uint32_t
  * multiplied by shade / 100, limited to 255 and truncated; 100 changes nothing.
  *   image          height rows of width pixels, 8 bits a sample, interleaved; not NULL
  *   width, height  1 or more, and at least 2 * bevelWidth
- *   rowStride      bytes from one row to the next
+ *   rowStride      bytes from one row to the next, >= width * bytesPerPixel
  *   bevelWidth     of the frame, in pixels
- *   bytesPerPixel  channels
- *   flags          ZLV40_PROTECT_ALPHA leaves the fourth of four channels alone
+ *   bytesPerPixel  channels; with 0 nothing is changed
+ *   flags          0, or ZLV40_PROTECT_ALPHA: the fourth of four channels is left alone; other bits are ignored
  *   leftShade, topShade, rightShade, bottomShade  in percent, limited to 0 to 255 and truncated; not NaN. The corners
  *                  are the top's and the bottom's
  *   blur           blurs the frame by a Gaussian of sigma blur / 100; 0 leaves it sharp
@@ -2002,7 +2009,7 @@ ZLV40_API uint32_t ZLV40_ShadeBevelEdge(uint8_t* image, uint32_t width, uint32_t
  * reshaped by a curve, and becomes the new alpha where it is larger.
  *   image          height rows of width pixels of four channels, the last one alpha; not NULL
  *   width, height  1 or more
- *   rowStride      bytes from one row to the next
+ *   rowStride      bytes from one row to the next, >= width * 4
  *   size           reach of the glow in pixels: a Gaussian of sigma size / 2.5
  *   opacity        of the glow, limited to 0 to 1; not NaN
  *   color          of the glow: its lowest byte is channel 0; the highest one is not used

@@ -1,4 +1,4 @@
-// A spline over the picture: through the corners of a star, and the third coordinate is the pen's thickness.
+// A spline over the picture, drawn towards the corners of a star; the third coordinate is the pen's thickness.
 #include "catalogue.h"
 #include "zlv40.h"
 
