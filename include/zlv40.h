@@ -1928,8 +1928,8 @@ ZLV40_API uint32_t ZLV40_GradientFillImageRadial(uint8_t* image, uint32_t width,
 /* ---- Splines ------------------------------------------------------------------------------------------------ */
 
 /* Evaluates an open uniform B-spline of control points in space at even steps of its parameter (C. de Boor, On
- * Calculating with B-Splines, 1972). The first point is the first control point, the last one the last; between them the
- * curve is drawn towards its control points, and with an order of 2 goes through them.
+ * Calculating with B-Splines, 1972). The first point is the first control point, the last one the last; between them
+ * the curve is drawn towards its control points, and with an order of 2 goes through them.
  *   outCount          points wanted, 1 or more; 1 gives the last control point
  *   controlCount      control points, 3 or more and more than order
  *   order             the degree plus 1, 1 or more: 2 gives straight lines, 4 cubic curves. The time of a point grows

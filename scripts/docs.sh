@@ -1,6 +1,6 @@
 #!/bin/sh
 # Makes docs/effects.md and its pictures: the description of the exports names the command lines, the command of this
-# build runs them.
+# build runs them. Effects that seed themselves with the time look different each time.
 #
 #     scripts/docs.sh [path of the zlv command]
 set -eu

@@ -11,7 +11,7 @@ from generators import catalogue, header_text, reference
 FOLDER = "pictures"
 SAMPLES = "examples/pictures"
 SAMPLE = "coffee-small.png"
-ROLE_WORDS = {"width": "pixels a row", "height": "rows", "channels": "samples a pixel",
+ROLE_WORDS = {"width": "a row", "height": "rows", "channels": "samples a pixel",
               "stride": "from one row to the next"}
 RENDERING = "--quality 75"
 
@@ -97,6 +97,8 @@ def default(argument):
 def meaning(argument):
     """What an argument is; of those that describe an image, what their role says."""
     words = ROLE_WORDS.get(argument.role, "") if "about" not in argument.facts else ""
+    if words and argument.role == "width":
+        words = f"{argument.facts.get('unit', 'pixels')} a row"
     if words and "of" in argument.facts:
         words += f" of `{argument.facts['of']}`"
     return "; ".join(part for part in (words, reference.meaning(argument)) if part)

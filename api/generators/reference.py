@@ -52,7 +52,7 @@ def meaning(argument):
     facts = argument.facts
     parts = []
     if argument.role == "image":
-        parts.append(f"an image, {ACCESS[facts['access']]}")
+        parts.append(f"{'text' if facts.get('text') else 'an image'}, {ACCESS[facts['access']]}")
     if "about" in facts:
         parts.append(facts["about"])
     if argument.role == "flags" and "mask" in facts:

@@ -89,6 +89,12 @@ class GalleryTest(CommandTest):
                 shown = figure.find(f".//{HTML}img").get("src")
                 self.assertEqual(read_png(base64.b64decode(shown.split(",")[1])), self.png(f"{name}.png"))
 
+    def test_effects_on_a_shape_say_when_there_is_none(self):
+        for channels, is_told in ((3, True), (1, True), (4, False), (2, False)):
+            figures = self.figures(self.page(self.run_command, picture=pattern(20, 16, channels)))
+            told = {name for name, figure in figures.items() if "this picture has none" in "".join(figure.itertext())}
+            self.assertEqual(told, {"drop-shadow", "outer-glow", "inner-glow"} if is_told else set(), channels)
+
     def test_an_effect_that_fails_says_so_in_its_figure(self):
         page = self.page(self.run_shapes)
         self.assertEqual(self.answer.code, FAILED)

@@ -95,6 +95,16 @@ std::string ParametersOf(const ChainStep& step)
     return rows.empty() ? rows : "<dl>\n" + rows + "</dl>\n";
 }
 
+// An effect on the shape that alpha describes finds a rectangle where there is none.
+std::string RemarkOn(const Gallery& gallery, const Effect& effect)
+{
+    const bool needsAlpha = effect.channelsRead == 1u << kRgba;
+    const bool hasAlpha = gallery.channels == kRgba || gallery.channels == kGrayAlpha;
+    return needsAlpha && !hasAlpha ? "<p><small>It works on the shape of the alpha channel, and this picture has none."
+                                     "</small></p>\n"
+                                   : "";
+}
+
 std::string FigureOf(const Gallery& gallery, const GalleryEntry& entry)
 {
     const Effect& effect = *entry.step.effect;
@@ -111,8 +121,8 @@ std::string FigureOf(const Gallery& gallery, const GalleryEntry& entry)
            (failed ? ""
                    : "<span class=\"time\">" + Timing(entry.milliseconds) + "</span>" +
                          "<button type=\"button\" hidden=\"hidden\">Larger</button>") +
-           "</header>\n<p>" + summary + "</p>\n" + ParametersOf(entry.step) + "<code>" + Escaped(command) +
-           "</code></figcaption>\n</figure>\n";
+           "</header>\n<p>" + summary + "</p>\n" + RemarkOn(gallery, effect) + ParametersOf(entry.step) + "<code>" +
+           Escaped(command) + "</code></figcaption>\n</figure>\n";
 }
 
 // Families in the catalogue's order, each with the places of its entries.
