@@ -1,4 +1,4 @@
-// A picture through the warp list: sampling, what is outside, progress. The client's own function stands for every warp.
+// A picture through the warp list: sampling, what is outside, progress. A function of the client stands for every warp.
 #include "warp/user_function.h"
 
 #include "support/progress_recorder.h"
