@@ -21,5 +21,5 @@ lines=$(python3 -B api/generate.py --pictures)
 eval "set -e
 $lines"
 python3 -B api/generate.py --effects docs/effects.md
-echo "docs/effects.md: $(grep -c '^### ' docs/effects.md) functions, $(ls docs/pictures | wc -l) pictures," \
+echo "docs/effects.md: $(grep -c '^### ' docs/effects.md) functions, $(find docs/pictures -type f | wc -l) pictures," \
     "$(du -cb docs/pictures/* | tail -1 | cut -f1) bytes"

@@ -6,12 +6,16 @@
 #include "picture.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zlv {
 
 struct GalleryEntry {
-    explicit GalleryEntry(const Effect& effect, std::string variantName = {}) : step(effect), variant(variantName) {}
+    explicit GalleryEntry(const Effect& effect, std::string variantName = {})
+        : step(effect), variant(std::move(variantName))
+    {
+    }
 
     ChainStep step;
     std::string variant;  // what differs from the effect's defaults: "mode-rows"; empty for the defaults themselves
