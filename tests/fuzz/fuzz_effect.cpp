@@ -1,14 +1,8 @@
-// Calls one effect with whatever arguments the fuzzer's bytes spell, on buffers of exactly the described size.
-//
-// ZLV_FUZZ_EFFECT names the effect, ZLV_FUZZ_FILL the first bytes of its buffers (input.h).
-#include "boundary/call_table.h"
-#include "fuzz/input.h"
+// Calls one effect with whatever arguments the bytes spell, on buffers of exactly the described size.
+#include "fuzz/listener.h"
+#include "fuzz/topics.h"
 
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <memory>
-#include <string_view>
 
 namespace {
 
@@ -17,17 +11,6 @@ using zlvtest::DescribedImage;
 using zlvtest::Input;
 using zlvtest::Role;
 using zlvtest::Value;
-
-// The effect of that name in the environment.
-const DescribedEffect& EffectUnderTest()
-{
-    const char* const name = std::getenv("ZLV_FUZZ_EFFECT");
-    for (const DescribedEffect& effect : zlvtest::DescribedEffects()) {
-        if (name && std::string_view(effect.name) == name) return effect;
-    }
-    std::fputs("ZLV_FUZZ_EFFECT names no described effect\n", stderr);
-    std::abort();
-}
 
 // The integer at an index of the call, 0 where there is none, and for what is negative to the effect.
 std::uint64_t NumberAt(const DescribedEffect& effect, const std::vector<Value>& values, int at)
@@ -95,20 +78,10 @@ std::uint64_t CheapNumber(std::uint64_t number, bool isSigned)
     return isSigned ? std::uint64_t(std::int64_t(std::int32_t(number)) % 1000) : number % 1000;
 }
 
-// For `data` reports, or as many as an image of a test can have rows: one without pixels may have billions.
-std::uint32_t KeepGoing(std::uint32_t current, std::uint32_t total, std::uint64_t data)
-{
-    constexpr std::uint32_t kMostRows = 1 << 20;
-    if (current > total) std::abort();  // some count their stages from 1
-    return current < (data ? data : kMostRows);
-}
-
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count)
+void zlvtest::FuzzEffect(const DescribedEffect& effect, Input& input)
 {
-    static const DescribedEffect& effect = EffectUnderTest();
-    Input input(bytes, count);
     std::vector<Value> values(effect.arguments.size());
     std::vector<std::unique_ptr<point>> points;
     for (std::size_t i = 0; i < values.size(); ++i) {
@@ -138,31 +111,31 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
     }
     ForEachImage(effect, [&](std::size_t, const DescribedImage& image) { SetStride(effect, image, values, input); });
 
-    std::vector<std::unique_ptr<std::uint8_t[]>> buffers;
+    std::vector<zlvtest::Buffer> buffers;
     const std::uint8_t nulls = input.Byte();
     bool isPossible = true;
     ForEachImage(effect, [&](std::size_t i, const DescribedImage& image) {
         const std::size_t size = ImageBytes(effect, image, values);
         isPossible = isPossible && size != 0;
         if (!isPossible || (nulls >> (i % 4) & 3) == 3) return;
-        buffers.push_back(zlvtest::FuzzBuffer(size, input));
+        buffers.push_back(zlvtest::Buffer(size, input));
         values[i].pointer = buffers.back().get();
     });
-    if (!isPossible) return 0;
+    if (!isPossible) return;
     for (std::size_t i = 0; i < values.size(); ++i) {
         const std::size_t size = effect.arguments[i].bytes.size();
         if (size == 0 || input.Byte() % 8 == 7) continue;
-        buffers.push_back(zlvtest::FuzzBuffer(size, input));
+        buffers.push_back(zlvtest::Buffer(size, input));
         values[i].pointer = buffers.back().get();
     }
 
-    ZLV40_SetCallback(KeepGoing, input.Byte() % 8);
+    if (!effect.repeats) input.GetHost().MayDiffer();
+    // Some count their stages from 1.
+    const zlvtest::Listener listener(input, zlvtest::kExports, input.Byte() % 8, zlvtest::IsUpToTotal);
     ZLV40_ClearAllTransforms();  // some successes leave an older code standing
     const std::uint32_t result = effect.call(values.data());
     const std::uint32_t error = ZLV40_GetLastError();
-    ZLV40_SetCallback(nullptr, 0);
     const bool mayBeQuiet = effect.canCancel && (effect.cancelError == 0 || effect.isCancelQuiet);
-    if (result == 0 && error == 0 && mayBeQuiet) return 0;
-    zlvtest::RequireResult(effect.name, result, error);
-    return 0;
+    if (result == 0 && error == 0 && mayBeQuiet) zlvtest::NoteResult(input, result, error);
+    else zlvtest::RequireResult(input, effect.name, result, error);
 }

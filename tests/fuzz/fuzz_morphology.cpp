@@ -1,5 +1,6 @@
 // Calls the morphology with elements of any kind, on buffers of exactly the described size.
-#include "fuzz/input.h"
+#include "fuzz/listener.h"
+#include "fuzz/topics.h"
 
 #include "zlv40.h"
 
@@ -8,7 +9,7 @@
 
 namespace {
 
-using zlvtest::FuzzBuffer;
+using zlvtest::Buffer;
 using zlvtest::Input;
 
 using Bits = decltype(&ZLV40_MorphoDilation1Bit);
@@ -64,13 +65,13 @@ std::uint32_t CallBits(Kind kind, Input& input)
     if (kind == kThinning) {
         const std::uint32_t stride = p.srcStride, iterations = input.Byte() % 8;
         const std::size_t size = std::size_t(stride) * p.height + 1;
-        const auto src = FuzzBuffer(size, input), dst = FuzzBuffer(size, input);
+        const auto src = Buffer(size, input), dst = Buffer(size, input);
         const std::uint32_t* const hits[] = {first.Data(), first.Data()};
         const std::uint32_t* const misses[] = {second.Data(), second.Data()};
         return ZLV40_MorphoThinning1Bit(src.get(), p.width, p.height, stride, dst.get(), hits, first.width, misses,
                                         second.width, function % 3, iterations, reserved);
     }
-    const auto src = FuzzBuffer(p.Bytes(p.srcStride, 8), input), dst = FuzzBuffer(p.Bytes(p.dstStride, 8), input);
+    const auto src = Buffer(p.Bytes(p.srcStride, 8), input), dst = Buffer(p.Bytes(p.dstStride, 8), input);
     if (kind == kHitOrMiss) {
         return ZLV40_MorphoHitOrMiss1Bit(src.get(), p.width, p.height, p.srcStride, dst.get(), p.dstStride,
                                          first.Data(), first.width, first.height, second.Data(), second.width,
@@ -86,7 +87,7 @@ void CallGray(Input& input)
     const Picture p(input, 1);
     const Element element(input, true);
     const std::size_t function = input.Byte() % std::size(kGray);
-    const auto src = FuzzBuffer(p.Bytes(p.srcStride, 1), input), dst = FuzzBuffer(p.Bytes(p.dstStride, 1), input);
+    const auto src = Buffer(p.Bytes(p.srcStride, 1), input), dst = Buffer(p.Bytes(p.dstStride, 1), input);
     kGray[function](src.get(), p.width, p.height, p.srcStride, element.Data(), std::uint32_t(element.width), dst.get(),
                     p.dstStride);
 }
@@ -95,30 +96,21 @@ std::uint32_t CallLogic(Input& input)
 {
     const std::uint32_t size = input.Byte();
     const std::size_t function = input.Byte() % (std::size(kLogic) + 1);
-    const auto a = FuzzBuffer(size, input), b = FuzzBuffer(size, input), out = FuzzBuffer(size, input);
+    const auto a = Buffer(size, input), b = Buffer(size, input), out = Buffer(size, input);
     if (function == std::size(kLogic)) return ZLV40_InvertBuffer(a.get(), size);
     return kLogic[function](a.get(), b.get(), out.get(), size);
 }
 
-std::uint32_t KeepGoing(std::uint32_t current, std::uint32_t total, std::uint64_t data)
-{
-    if (current >= total) std::abort();
-    return data == 0 || current < data;
-}
-
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count)
+void zlvtest::FuzzMorphology(Input& input)
 {
-    Input input(bytes, count);
     const Kind kind = Kind(input.Byte() % kKinds);
-    ZLV40_SetCallback(KeepGoing, input.Byte() % 8);
+    const zlvtest::Listener listener(input, zlvtest::kExports, input.Byte() % 8);
     if (kind == kGrayPlane) {
         CallGray(input);
     } else {
         const std::uint32_t result = kind == kLogicOfBuffers ? CallLogic(input) : CallBits(kind, input);
-        zlvtest::RequireResult("morphology", result, ZLV40_GetLastError());
+        zlvtest::RequireResult(input, "morphology", result, ZLV40_GetLastError());
     }
-    ZLV40_SetCallback(nullptr, 0);
-    return 0;
 }

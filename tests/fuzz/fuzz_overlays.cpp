@@ -3,7 +3,7 @@
 // Twice, on bases that begin alike: what comes out must be the same, and the bytes between the rows untouched.
 #include "base/merge.h"
 #include "base/overlay.h"
-#include "fuzz/input.h"
+#include "fuzz/topics.h"
 
 namespace {
 
@@ -114,12 +114,11 @@ bool IsPadding(const Layer& layer, size_t byte)
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count)
+void zlvtest::FuzzOverlays(Input& input)
 {
-    Input input(bytes, count);
     const Draw draw = ReadDraw(input);
-    const auto overlay = zlvtest::FuzzBuffer(draw.overlay.Bytes(), input);
-    const auto base = zlvtest::FuzzBuffer(draw.base.Bytes(), input);
+    const auto overlay = zlvtest::Buffer(draw.overlay.Bytes(), input);
+    const auto base = zlvtest::Buffer(draw.base.Bytes(), input);
     const auto palette = std::make_unique<u8[]>(1024);
     const auto before = std::make_unique<u8[]>(draw.base.Bytes());
     const auto again = std::make_unique<u8[]>(draw.base.Bytes());
@@ -127,11 +126,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
     std::memcpy(again.get(), base.get(), draw.base.Bytes());
 
     const u32 result = Run(draw, base.get(), overlay.get(), palette.get());
-    zlvtest::RequireResult(kNames[draw.function], result, MV40_GetLastError());
-    if (Run(draw, again.get(), overlay.get(), palette.get()) != result) std::abort();
+    zlvtest::RequireResult(input, kNames[draw.function], result, MV40_GetLastError());
+    zlvtest::Require(Run(draw, again.get(), overlay.get(), palette.get()) == result);
     for (size_t i = 0; i < draw.base.Bytes(); ++i) {
-        if (base[i] != again[i]) std::abort();
-        if ((result == 0 || IsPadding(draw.base, i)) && base[i] != before[i]) std::abort();
+        zlvtest::Require(base[i] == again[i]);
+        zlvtest::Require((result == 1 && !IsPadding(draw.base, i)) || base[i] == before[i]);
     }
-    return 0;
 }

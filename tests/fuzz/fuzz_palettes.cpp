@@ -4,14 +4,14 @@
 // bytes a second time, and for the best fit and the matcher the nearest entry.
 #include "base/color_matcher.h"
 #include "base/palette.h"
-#include "fuzz/input.h"
-
-#include <cstdio>
+#include "fuzz/listener.h"
+#include "fuzz/topics.h"
 
 namespace {
 
 using namespace zlv;
 using zlvtest::Input;
+using zlvtest::Require;
 
 enum Function : u8 { kQuantize, kDither, kBestFit, kExpand, kMatch, kFunctions };
 
@@ -54,17 +54,6 @@ Scene ReadScene(Input& input)
     return scene;
 }
 
-struct Listener {
-    u32 reports = 0, cancelAt = 0;
-};
-
-u32 Listen(u32 current, u32 total, u64 data)
-{
-    if (current >= total) std::abort();
-    Listener& listener = *reinterpret_cast<Listener*>(data);
-    return ++listener.reports != listener.cancelAt;
-}
-
 u32 NearestEntry(const u8* palette, u32 count, const u8* pixel, u32 firstByte)
 {
     u32 nearest = 0;
@@ -87,7 +76,7 @@ u32 Match(const Scene& s, const u8* pixels, u8* indices, const u8* palette)
         for (u32 x = 0; x < s.width; ++x) {
             const u8* const pixel = pixels + size_t(y) * s.pixelStride + x * 3;
             const i32 index = MV40_FindClosestColor(handle, pixel[0], pixel[1], pixel[2]);
-            if (palette && index != i32(NearestEntry(palette, s.Entries(), pixel, 2))) std::abort();
+            Require(!palette || index == i32(NearestEntry(palette, s.Entries(), pixel, 2)));
             indices[size_t(y) * s.indexStride + x] = u8(index);
         }
     }
@@ -113,19 +102,27 @@ u32 Run(const Scene& s, u8* pixels, u8* indices, u8* palette)
     }
 }
 
+u32 RunListening(Input& input, const Scene& s, u8* pixels, u8* indices, u8* palette)
+{
+    const zlvtest::Listener listener(input, zlvtest::kBaseLayer, s.cancelAt);
+    const u32 result = Run(s, pixels, indices, palette);
+    zlvtest::RequireResult(input, kNames[s.function], result, MV40_GetLastError());
+    return result;
+}
+
 void CheckIndices(const Scene& s, const u8* pixels, const u8* indices, const u8* before, const u8* palette, bool isDone)
 {
     const u32 entries = s.Entries() == 0 ? 1 : s.Entries();
     for (u32 y = 0; y < s.height; ++y) {
         const u8* const row = indices + size_t(y) * s.indexStride;
         for (u32 x = 0; isDone && x < s.width; ++x) {
-            if (row[x] >= entries) std::abort();
+            Require(row[x] < entries);
             if (s.function != kBestFit) continue;
             const u8* const pixel = pixels + size_t(y) * s.pixelStride + x * 3;
-            if (row[x] != NearestEntry(palette, s.Entries(), pixel, FirstByteOfEntry(s.flags))) std::abort();
+            Require(row[x] == NearestEntry(palette, s.Entries(), pixel, FirstByteOfEntry(s.flags)));
         }
         const size_t end = y + 1 < s.height ? s.indexStride : s.width + 1;
-        if (std::memcmp(row + s.width, before + size_t(y) * s.indexStride + s.width, end - s.width) != 0) std::abort();
+        Require(std::memcmp(row + s.width, before + size_t(y) * s.indexStride + s.width, end - s.width) == 0);
     }
 }
 
@@ -138,38 +135,31 @@ std::unique_ptr<u8[]> Copy(const u8* bytes, size_t count)
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count)
+void zlvtest::FuzzPalettes(Input& input)
 {
-    Input input(bytes, count);
     const Scene scene = ReadScene(input);
     const size_t paletteBytes = size_t(scene.Entries()) * 4;
-    const auto palette = zlvtest::FuzzBuffer(paletteBytes, input);
-    const auto indices = zlvtest::FuzzBuffer(scene.IndexBytes(), input);
-    const auto pixels = zlvtest::FuzzBuffer(scene.PixelBytes(), input);
+    const auto palette = zlvtest::Buffer(paletteBytes, input);
+    const auto indices = zlvtest::Buffer(scene.IndexBytes(), input);
+    const auto pixels = zlvtest::Buffer(scene.PixelBytes(), input);
     const auto indicesBefore = Copy(indices.get(), scene.IndexBytes());
     const auto indicesAgain = Copy(indices.get(), scene.IndexBytes());
     const auto pixelsAgain = Copy(pixels.get(), scene.PixelBytes());
     const auto paletteAgain = Copy(palette.get(), paletteBytes);
     const bool mayBeNull = scene.function != kMatch;
 
-    Listener listener;
-    listener.cancelAt = scene.cancelAt;
-    MV40_SetCallback(Listen, reinterpret_cast<u64>(&listener));
-    const u32 result =
-        Run(scene, mayBeNull && scene.isNull & 1 ? nullptr : pixels.get(),
-            mayBeNull && scene.isNull & 2 ? nullptr : indices.get(), scene.isNull & 4 ? nullptr : palette.get());
-    zlvtest::RequireResult(kNames[scene.function], result, MV40_GetLastError());
-    MV40_SetCallback(nullptr, 0);
+    const u32 result = RunListening(input, scene, mayBeNull && scene.isNull & 1 ? nullptr : pixels.get(),
+                                    mayBeNull && scene.isNull & 2 ? nullptr : indices.get(),
+                                    scene.isNull & 4 ? nullptr : palette.get());
     const bool isRefused = scene.isNull != 0 || (scene.function == kBestFit && scene.colors > kLargestPalette);
     if (scene.function != kExpand) {
         CheckIndices(scene, pixels.get(), indices.get(), indicesBefore.get(), palette.get(), result == 1 && !isRefused);
     }
-    if (isRefused || result == 0) return 0;
+    if (isRefused || result == 0) return;
 
     // Without a listener rows go through at once.
-    if (Run(scene, pixelsAgain.get(), indicesAgain.get(), paletteAgain.get()) != 1) std::abort();
-    if (std::memcmp(pixels.get(), pixelsAgain.get(), scene.PixelBytes()) != 0) std::abort();
-    if (std::memcmp(indices.get(), indicesAgain.get(), scene.IndexBytes()) != 0) std::abort();
-    if (std::memcmp(palette.get(), paletteAgain.get(), paletteBytes) != 0) std::abort();
-    return 0;
+    Require(Run(scene, pixelsAgain.get(), indicesAgain.get(), paletteAgain.get()) == 1);
+    Require(std::memcmp(pixels.get(), pixelsAgain.get(), scene.PixelBytes()) == 0);
+    Require(std::memcmp(indices.get(), indicesAgain.get(), scene.IndexBytes()) == 0);
+    Require(std::memcmp(palette.get(), paletteAgain.get(), paletteBytes) == 0);
 }

@@ -7,15 +7,19 @@
 #include "base/polygon_fill.h"
 #include "base/polygon_fill_bits.h"
 #include "base/polygon_scanlines.h"
-#include "fuzz/input.h"
+#include "fuzz/listener.h"
+#include "fuzz/topics.h"
 
 #include <cmath>
+#include <optional>
 #include <vector>
 
 namespace {
 
 using namespace zlv;
 using zlvtest::Input;
+using zlvtest::Listener;
+using zlvtest::Require;
 
 enum Function : u8 { kFill, kFillBits, kScanlines, kConvex, kHull, kFunctions };
 
@@ -48,7 +52,7 @@ struct Canvas {
 
 struct Tile {
     u32 width, height, stride;
-    std::unique_ptr<u8[]> bytes;  // may be null
+    zlvtest::Buffer bytes;  // may be null
 };
 
 struct Style {
@@ -56,7 +60,7 @@ struct Style {
     u32 color, flags;
     f64 opacity;
     u32 paletteCount;
-    std::unique_ptr<u8[]> palette;  // may be null
+    zlvtest::Buffer palette;  // may be null
 };
 
 Canvas ReadCanvas(Input& input, Function function)
@@ -81,24 +85,17 @@ Style ReadStyle(Input& input, const Canvas& canvas)
         // A tile without height is one row.
         const size_t rowBytes = size_t(style.tile.width) * canvas.channels;
         const u32 rows = style.tile.height ? style.tile.height : 1;
-        style.tile.bytes = zlvtest::FuzzBuffer(size_t(style.tile.stride) * (rows - 1) + rowBytes, input);
+        style.tile.bytes = zlvtest::Buffer(size_t(style.tile.stride) * (rows - 1) + rowBytes, input);
     }
     if (kind & 2) {
         style.paletteCount = u32(input.Size(40));
         if (style.paletteCount > 300) style.paletteCount = 300;
-        style.palette = zlvtest::FuzzBuffer(size_t(style.paletteCount) * 4, input);
+        style.palette = zlvtest::Buffer(size_t(style.paletteCount) * 4, input);
     }
     return style;
 }
 
-u32 KeepGoing(u32 current, u32 total, u64 reports)
-{
-    thread_local u64 heard = 0;
-    if (current != 0 || total == 0) std::abort();
-    if (++heard < reports) return 1;
-    heard = 0;
-    return 0;
-}
+bool IsSignOfLife(u32 current, u32 total, u32) { return current == 0 && total != 0; }
 
 void Fill(Input& input, Function function, const std::vector<f64>& points)
 {
@@ -107,7 +104,7 @@ void Fill(Input& input, Function function, const std::vector<f64>& points)
     const u64 reports = input.Byte() % 4 * 100;  // 0 hears nothing
     const u32 count = u32(points.size() / 2);
     const size_t bytes = canvas.Bytes(function);
-    const auto image = zlvtest::FuzzBuffer(bytes, input);
+    const auto image = zlvtest::Buffer(bytes, input);
     const auto again = std::make_unique<u8[]>(bytes), before = std::make_unique<u8[]>(bytes);
     std::memcpy(again.get(), image.get(), bytes);
     std::memcpy(before.get(), image.get(), bytes);
@@ -122,23 +119,25 @@ void Fill(Input& input, Function function, const std::vector<f64>& points)
                                      style.tile.stride, style.color, style.opacity, style.palette.get(),
                                      style.paletteCount, style.flags);
     };
-    if (reports > 0) MV40_SetCallback(KeepGoing, reports);
+    std::optional<Listener> listener;
+    if (reports > 0) listener.emplace(input, zlvtest::kBaseLayer, reports, IsSignOfLife);
     const u32 result = run(image.get());
     const u32 error = MV40_GetLastError();
-    MV40_SetCallback(nullptr, 0);
-    zlvtest::RequireResult("fill", result, error);
+    listener.reset();
+    zlvtest::RequireResult(input, "fill", result, error);
     const bool wasCancelled = error == u32(Error::Cancelled);
     const u32 secondResult = run(again.get());
-    if (!wasCancelled && secondResult != result) std::abort();
+    Require(wasCancelled || secondResult == result);
     for (size_t i = 0; i < bytes; ++i) {
         const bool isPadding = canvas.stride != 0 && i % canvas.stride >= canvas.RowBytes(function);
-        if (!wasCancelled && image[i] != again[i]) std::abort();
-        if (((result == 0 && !wasCancelled) || isPadding) && image[i] != before[i]) std::abort();
+        Require(wasCancelled || image[i] == again[i]);
+        const bool mayChange = (result == 1 || wasCancelled) && !isPadding;
+        Require(mayChange || image[i] == before[i]);
     }
 }
 
 // Polygons of many rows would fill the memory.
-void MakeScanlines(std::vector<f64>& points)
+void MakeScanlines(Input& input, std::vector<f64>& points)
 {
     for (f64& coordinate : points) {
         if (std::isfinite(coordinate)) coordinate = std::fmod(coordinate, 100000);
@@ -148,17 +147,17 @@ void MakeScanlines(std::vector<f64>& points)
     u32 count = 1;
     const u32 result =
         MV40_GetPolygonScanlineArray(points.data(), u32(points.size() / 2), &rows, &lefts, &rights, &count);
-    zlvtest::RequireResult("scanlines", result, MV40_GetLastError());
-    if ((count > 0) != (rows != nullptr) || (result == 0 && count > 0)) std::abort();
+    zlvtest::RequireResult(input, "scanlines", result, MV40_GetLastError());
+    Require((count > 0) == (rows != nullptr) && (result == 1 || count == 0));
     for (u32 i = 0; i < count; ++i) {
-        if (!(lefts[i] <= rights[i]) || (i > 0 && rows[i] < rows[i - 1])) std::abort();
+        Require(lefts[i] <= rights[i] && (i == 0 || rows[i] >= rows[i - 1]));
     }
     platform::FreeClientBlock(rows);
     platform::FreeClientBlock(lefts);
     platform::FreeClientBlock(rights);
 }
 
-void TestConvexity(const std::vector<f64>& coordinates, Function function)
+void TestConvexity(Input& input, const std::vector<f64>& coordinates, Function function)
 {
     std::vector<i32> points;
     for (const f64 coordinate : coordinates) {
@@ -167,28 +166,26 @@ void TestConvexity(const std::vector<f64>& coordinates, Function function)
     const u32 count = u32(points.size() / 2);
     if (function == kConvex) {
         const u32 result = MV40_PolygonIsConvex(points.data(), count);
-        zlvtest::RequireResult("convexity", result, MV40_GetLastError());
+        zlvtest::RequireResult(input, "convexity", result, MV40_GetLastError());
         return;
     }
     i32* hull = nullptr;
     u32 hullCount = 1;
-    MV40_SetCallback(nullptr, 0);  // leaves no code behind
+    (void)MV40_GetCallback(nullptr);  // leaves no code behind
     const u32 result = MV40_GetConvexHull(points.data(), count, &hull, &hullCount);
-    zlvtest::RequireResult("hull", result, MV40_GetLastError());
-    if (result == 1 ? hullCount < 3 || hullCount > count : hullCount != 0 || hull) std::abort();
+    zlvtest::RequireResult(input, "hull", result, MV40_GetLastError());
+    Require(result == 1 ? hullCount >= 3 && hullCount <= count : hullCount == 0 && !hull);
     platform::FreeClientBlock(hull);
 }
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count)
+void zlvtest::FuzzPolygons(Input& input)
 {
-    Input input(bytes, count);
     const Function function = Function(input.Byte() % kFunctions);
     std::vector<f64> points(input.Byte() % 20 * 2);
     for (f64& coordinate : points) coordinate = ReadCoordinate(input);
     if (function <= kFillBits) Fill(input, function, points);
-    else if (function == kScanlines) MakeScanlines(points);
-    else TestConvexity(points, function);
-    return 0;
+    else if (function == kScanlines) MakeScanlines(input, points);
+    else TestConvexity(input, points, function);
 }

@@ -1,12 +1,11 @@
 // Reflects a picture of any size with any numbers, on buffers of exactly the size that the call describes.
-#include "fuzz/input.h"
+#include "fuzz/topics.h"
 
 #include "zlv40.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count)
+void zlvtest::FuzzReflection(Input& input)
 {
     constexpr std::uint32_t kLargestPadding = 5;
-    zlvtest::Input input(bytes, count);
     const std::uint32_t width = input.Byte() % 40, height = input.Byte() % 40;
     const std::uint32_t splitRow = input.Byte() % 48, reflectionHeight = input.Byte() % 40;
     const std::uint32_t row = width * 3, sourceStride = row + input.Byte() % kLargestPadding;
@@ -17,12 +16,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
     const std::uint32_t rippleScale = std::uint32_t(input.Size(30)), flags = input.Byte();
 
     const auto size = [row](std::size_t rows, std::size_t stride) { return rows ? (rows - 1) * stride + row : 0; };
-    const auto destination = zlvtest::FuzzBuffer(size(splitRow + reflectionHeight, destinationStride), input);
-    const auto source = zlvtest::FuzzBuffer(size(height, sourceStride), input);
+    const auto destination = zlvtest::Buffer(size(splitRow + reflectionHeight, destinationStride), input);
+    const auto source = zlvtest::Buffer(size(height, sourceStride), input);
     const std::uint32_t result =
         ZLV40_ReflectImage(nulls == 1 ? nullptr : source.get(), width, height, channels ? 3 : 4, sourceStride,
                            nulls == 2 ? nullptr : destination.get(), destinationStride, splitRow, reflectionHeight,
                            fadeStart, fadeEnd, color, fadeShape, ripple, rippleScale, flags);
-    zlvtest::RequireResult("ReflectImage", result, ZLV40_GetLastError());
-    return 0;
+    zlvtest::RequireResult(input, "ReflectImage", result, ZLV40_GetLastError());
 }

@@ -1,6 +1,7 @@
 // Resizes images of any shape to any other, in any mode, on buffers of exactly the described size.
 #include "base/resize.h"
-#include "fuzz/input.h"
+#include "fuzz/listener.h"
+#include "fuzz/topics.h"
 
 #include <algorithm>
 #include <optional>
@@ -10,6 +11,8 @@ namespace {
 
 using namespace zlv;
 using zlvtest::Input;
+using zlvtest::Listener;
+using zlvtest::Require;
 
 // Pixels on one side and samples of a buffer that a run can afford; what is larger gets no buffers.
 constexpr u64 kMostPixels = 1 << 14;
@@ -62,39 +65,22 @@ Call ReadCall(Input& input)
     return call;
 }
 
-u32 Run(const Call& call, const u8* source, u8* destination)
+u32 Run(Input& input, const Call& call, const u8* source, u8* destination)
 {
     const Shape &s = call.source, &d = call.destination;
     const u32 result = MV40_ResizeImage(source, s.width, s.height, s.stride, destination, d.width, d.height, d.stride,
                                         call.channels, call.mode, call.flags);
-    zlvtest::RequireResult("resize", result, MV40_GetLastError());
+    zlvtest::RequireResult(input, "resize", result, MV40_GetLastError());
     return result;
 }
 
-void Require(bool holds)
+bool IsNextRow(u32 current, u32 total, u32 heard) { return current == heard && current < total; }
+
+u32 RunListening(Input& input, const Call& call, const u8* source, u8* destination, u32 cancelAt)
 {
-    if (!holds) std::abort();
-}
-
-// Counts the reports and says no at `cancelAt`, from 1.
-struct Listener {
-    u32 reports = 0, cancelAt = 0;
-
-    static u32 Hear(u32 current, u32 total, u64 data)
-    {
-        Listener& self = *reinterpret_cast<Listener*>(data);
-        Require(current == self.reports && current < total);
-        return ++self.reports != self.cancelAt;
-    }
-};
-
-u32 RunListening(const Call& call, const u8* source, u8* destination, Listener& listener)
-{
-    MV40_SetCallback(Listener::Hear, reinterpret_cast<u64>(&listener));
-    const u32 result = Run(call, source, destination);
-    const u32 error = MV40_GetLastError();
-    MV40_SetCallback(nullptr, 0);
-    Require((error == 14) == (listener.cancelAt != 0 && listener.reports == listener.cancelAt));
+    const Listener listener(input, zlvtest::kBaseLayer, cancelAt, IsNextRow);
+    const u32 result = Run(input, call, source, destination);
+    Require((MV40_GetLastError() == u32(Error::Cancelled)) == listener.HasCancelled());
     return result;
 }
 
@@ -107,24 +93,22 @@ bool IsPadding(const Call& call, size_t byte)
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count)
+void zlvtest::FuzzResize(Input& input)
 {
-    Input input(bytes, count);
     const Call call = ReadCall(input);
-    Listener listener;
-    listener.cancelAt = input.Byte() % 16;
+    const u32 cancelAt = input.Byte() % 16;
     const std::optional<size_t> sourceBytes = call.BytesOf(call.source), destBytes = call.BytesOf(call.destination);
     if (!sourceBytes || !destBytes) {
         u8 nothing = 0;
-        Require(Run(call, nullptr, &nothing) == 0);
-        Require(Run(call, &nothing, nullptr) == 0);
-        return 0;
+        Require(Run(input, call, nullptr, &nothing) == 0);
+        Require(Run(input, call, &nothing, nullptr) == 0);
+        return;
     }
 
-    const auto source = zlvtest::FuzzBuffer(*sourceBytes, input);
-    const auto destination = zlvtest::FuzzBuffer(*destBytes, input);
+    const auto source = zlvtest::Buffer(*sourceBytes, input);
+    const auto destination = zlvtest::Buffer(*destBytes, input);
     const std::vector<u8> before(destination.get(), destination.get() + *destBytes);
-    const u32 result = Run(call, source.get(), destination.get());
+    const u32 result = Run(input, call, source.get(), destination.get());
     for (size_t i = 0; i < before.size(); ++i) {
         const bool mayChange = result == 1 && (call.MayCopyPadding() || !IsPadding(call, i));
         Require(mayChange || destination[i] == before[i]);
@@ -132,8 +116,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
 
     const std::vector<u8> after(destination.get(), destination.get() + *destBytes);
     std::copy(before.begin(), before.end(), destination.get());
-    const u32 heard = RunListening(call, source.get(), destination.get(), listener);
+    const u32 heard = RunListening(input, call, source.get(), destination.get(), cancelAt);
     Require(heard == 0 || result == 1);
     if (heard == 1) Require(std::equal(after.begin(), after.end(), destination.get()));
-    return 0;
 }

@@ -1,5 +1,6 @@
 // Calls the segmented colourise and the crackle on buffers of exactly the described size.
-#include "fuzz/input.h"
+#include "fuzz/listener.h"
+#include "fuzz/topics.h"
 
 #include "zlv40.h"
 
@@ -7,7 +8,7 @@
 
 namespace {
 
-using zlvtest::FuzzBuffer;
+using zlvtest::Buffer;
 using zlvtest::Input;
 
 enum Function : std::uint8_t { kSegmented, kShorterSegmented, kCrackle, kFunctions };
@@ -39,8 +40,8 @@ std::uint32_t CallSegmented(Function function, Input& input)
     const auto colors = std::uint32_t(input.Size(20)), filterSize = std::uint32_t(input.Size(40));
     const std::uint8_t mode = input.Byte() % 5, nulls = input.Byte();
     const std::uint64_t used = stride < 0 ? 0 : std::uint64_t(stride);
-    const auto source = FuzzBuffer(sizes.Bytes(std::uint64_t{3} * sizes.width, 0), input);
-    const auto destination = FuzzBuffer(sizes.Bytes(sizes.width, used), input), palette = FuzzBuffer(1024, input);
+    const auto source = Buffer(sizes.Bytes(std::uint64_t{3} * sizes.width, 0), input);
+    const auto destination = Buffer(sizes.Bytes(sizes.width, used), input), palette = Buffer(1024, input);
     std::uint8_t* const to = nulls % 16 == 15 ? nullptr : destination.get();
     std::uint8_t* const entries = nulls % 16 == 14 ? nullptr : palette.get();
     if (function == kSegmented) {
@@ -59,28 +60,20 @@ std::uint32_t CallCrackle(Input& input)
     const auto sourceStride = std::uint32_t(row + input.Byte() % 8), stride = std::uint32_t(row + input.Byte() % 8);
     const auto strength = std::int32_t(input.Size(120));
     const std::uint8_t kind = input.Byte() % 6, flags = input.Byte();
-    const auto source = FuzzBuffer(sizes.Bytes(row, sourceStride), input);
-    const auto destination = FuzzBuffer(sizes.Bytes(row, stride), input);
+    const auto source = Buffer(sizes.Bytes(row, sourceStride), input);
+    const auto destination = Buffer(sizes.Bytes(row, stride), input);
     return ZLV40_CrackleRGB(source.get(), sizes.width, sizes.height, sourceStride, destination.get(), stride, kind,
                             strength, flags);
 }
 
-std::uint32_t KeepGoing(std::uint32_t current, std::uint32_t total, std::uint64_t data)
-{
-    if (current >= total) std::abort();
-    return data == 0 || current < data;
-}
-
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count)
+void zlvtest::FuzzSegmented(Input& input)
 {
-    Input input(bytes, count);
     const Function function = Function(input.Byte() % kFunctions);
-    ZLV40_SetCallback(KeepGoing, input.Byte() % 8);
+    const zlvtest::Listener listener(input, zlvtest::kExports, input.Byte() % 8);
     // A step that refuses leaves its code beside a result of 1, and an unknown crackle gives 0 with none.
     const std::uint32_t result = function == kCrackle ? CallCrackle(input) : CallSegmented(function, input);
-    ZLV40_SetCallback(nullptr, 0);
-    if (result > 1) std::abort();
-    return 0;
+    zlvtest::Require(result <= 1);
+    zlvtest::NoteResult(input, result, ZLV40_GetLastError());
 }

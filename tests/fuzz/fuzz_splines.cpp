@@ -1,22 +1,20 @@
 // Evaluates splines of any order through any points, on arrays of exactly their size.
-#include "fuzz/input.h"
+#include "fuzz/topics.h"
 
 #include "zlv40.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count)
+void zlvtest::FuzzSplines(Input& input)
 {
-    zlvtest::Input input(bytes, count);
     const std::uint32_t outCount = std::uint32_t(input.Number(2)) % 500, controlCount = input.Byte() % 60;
     const std::uint32_t order = std::uint32_t(input.Size(60));
     const std::uint8_t nulls = input.Byte();
-    std::unique_ptr<std::uint8_t[]> arrays[6];
+    zlvtest::Buffer arrays[6];
     double* pointers[6];
     for (int i = 0; i < 6; ++i) {
-        arrays[i] = zlvtest::FuzzBuffer((i < 3 ? controlCount : outCount) * sizeof(double), input);
+        arrays[i] = zlvtest::Buffer((i < 3 ? controlCount : outCount) * sizeof(double), input);
         pointers[i] = nulls == i + 1 ? nullptr : reinterpret_cast<double*>(arrays[i].get());
     }
     const std::uint32_t result = ZLV40_Get3DSplinePoints(outCount, controlCount, order, pointers[0], pointers[1],
                                                          pointers[2], pointers[3], pointers[4], pointers[5]);
-    zlvtest::RequireResult("Get3DSplinePoints", result, ZLV40_GetLastError());
-    return 0;
+    zlvtest::RequireResult(input, "Get3DSplinePoints", result, ZLV40_GetLastError());
 }

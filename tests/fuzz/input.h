@@ -1,19 +1,35 @@
-// The bytes that a fuzzer gives, read as numbers.
+// The bytes that a topic lives on, read as numbers and buffers, and the program that it runs in.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 
 namespace zlvtest {
 
-// The fuzzer's bytes, taken from the front; zeros when they are used up.
+// A program that runs topics, and what it wants to know of them. A fuzzer wants to know nothing.
+class Host {
+public:
+    virtual ~Host() = default;
+    // Within a progress callback of an exported function.
+    virtual void AtReport() {}
+    // What a call answered, or what stands in a buffer when it is given up.
+    virtual void Note(const std::uint8_t*, std::size_t) {}
+    // A clock, the memory or the processor's time took part: another run may end otherwise.
+    virtual void MayDiffer() {}
+    // Whether the topic runs within a progress callback of another one.
+    virtual bool IsNested() const { return false; }
+};
+
+// Bytes taken from the front; zeros when they are used up.
 class Input {
 public:
-    Input(const std::uint8_t* bytes, std::size_t count) : next_(bytes), end_(bytes + count) {}
+    // `fill` is what buffers hold before bytes are written over it: runs with different ones meet different memory.
+    Input(const std::uint8_t* bytes, std::size_t count, std::uint8_t fill, Host& host)
+        : next_(bytes), end_(bytes + count), fill_(fill), host_(host)
+    {
+    }
     std::uint8_t Byte() { return next_ == end_ ? 0 : *next_++; }
     std::uint64_t Number(int bytes)
     {
@@ -35,37 +51,42 @@ public:
         return kind & 0x80 ? Number(4) : kind % small;
     }
     std::size_t Rest() const { return std::size_t(end_ - next_); }
+    std::uint8_t Fill() const { return fill_; }
+    Host& GetHost() const { return host_; }
 
 private:
     const std::uint8_t* next_;
     const std::uint8_t* end_;
+    const std::uint8_t fill_;
+    Host& host_;
 };
 
-// What bytes of a buffer are before the input's are written, from ZLV_FUZZ_FILL: two runs with different values meet
-// different memory.
-inline int FuzzFill()
-{
-    const char* const text = std::getenv("ZLV_FUZZ_FILL");
-    return text ? std::atoi(text) : 0;
-}
+// `size` bytes whose ends are watched: the input's bytes, then its fill. The last byte of the input is left for others.
+class Buffer {
+public:
+    Buffer();
+    Buffer(std::size_t size, Input& input);
+    Buffer(Buffer&&) noexcept;
+    Buffer& operator=(Buffer&&) noexcept;
+    ~Buffer();
 
-// A buffer of exactly `size` bytes on the heap, whose ends the address sanitizer watches: the input's bytes, then the
-// fill. The last byte of the input is left for others.
-inline std::unique_ptr<std::uint8_t[]> FuzzBuffer(std::size_t size, Input& input)
-{
-    static const int fill = FuzzFill();
-    auto buffer = std::make_unique<std::uint8_t[]>(size);
-    std::memset(buffer.get(), fill, size);
-    for (std::size_t k = 0; k < size && input.Rest() > 1; ++k) buffer[k] = input.Byte();
-    return buffer;
-}
+    std::uint8_t* get() const { return data_; }
+    std::uint8_t& operator[](std::size_t i) const { return data_[i]; }
+    explicit operator bool() const { return data_ != nullptr; }
+
+private:
+    struct Memory;
+    std::unique_ptr<Memory> memory_;
+    std::uint8_t* data_ = nullptr;
+};
+
+// A topic ends the program where something does not hold.
+void Require(bool holds);
 
 // A call answers 1 without a code, or 0 with one.
-inline void RequireResult(const char* function, std::uint32_t result, std::uint32_t error)
-{
-    if (result <= 1 && (result == 1) == (error == 0)) return;
-    std::fprintf(stderr, "%s returned %u with error %u\n", function, result, error);
-    std::abort();
-}
+void RequireResult(Input& input, const char* function, std::uint32_t result, std::uint32_t error);
+
+// Tells the host what a call answered.
+void NoteResult(Input& input, std::uint32_t result, std::uint32_t error);
 
 }  // namespace zlvtest
