@@ -50,6 +50,12 @@ public:
         const std::uint8_t kind = Byte();
         return kind & 0x80 ? Number(4) : kind % small;
     }
+    // Between -limit and limit mostly, any number sometimes.
+    double Measure(double limit)
+    {
+        if (Byte() % 8 == 7) return Real();
+        return std::int16_t(std::uint16_t(Number(2))) / 32768.0 * limit;
+    }
     std::size_t Rest() const { return std::size_t(end_ - next_); }
     std::uint8_t Fill() const { return fill_; }
     Host& GetHost() const { return host_; }

@@ -18,11 +18,17 @@ void FuzzFrequency(Input& input);
 void FuzzMorphology(Input& input);
 void FuzzOverlays(Input& input);
 void FuzzPalettes(Input& input);
+void FuzzPerlin(Input& input);
 void FuzzPolygons(Input& input);
+void FuzzRecords(Input& input);
 void FuzzReflection(Input& input);
 void FuzzResize(Input& input);
+void FuzzSeams(Input& input);
 void FuzzSegmented(Input& input);
+void FuzzShadows(Input& input);
 void FuzzSplines(Input& input);
+void FuzzWarps(Input& input);
+void FuzzWorkers(Input& input);
 
 // One call of a described effect.
 void FuzzEffect(const DescribedEffect& effect, Input& input);
