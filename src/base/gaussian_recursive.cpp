@@ -127,6 +127,8 @@ private:
     bool BlurRepeatedColumns(const ChannelSpan& span)
     {
         if (work_.MayReport() || span.count < images_.destination.channels) return false;
+        // Distinct columns wait at the beginnings of their rows, which no other row may reach.
+        if (images_.destination.stride < images_.destination.SamplesPerRow()) return false;
         if (!repeated_.Find(kept_, span.count, [&](u32 kept) { return plane_.KeptRow(kept); })) return false;
         const ImageView<T>& image = images_.destination;
         u16* const block = block_.GetData();
