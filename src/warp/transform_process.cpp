@@ -100,9 +100,12 @@ ZLV_EXPORT u32 ZLV40_TransformProcess(const u8* src, u32 width, u32 height, u32 
         const PixelSampler sampler(images, Sampling(sampling), flags & ZLV40_KEEP_DESTINATION ? nullptr : &background);
         const bool writes = sampling != kNoSampling && channels > 0;
         const PointWalk walk(frame.Context().transforms);
+        // Rows may be of any length here, in no memory, and as many as there are numbers: without samples nothing
+        // bounds them.
+        const auto pointsInRow = [&] { return writes || walk.HasSideEffects() ? width : 0; };
+        if (pointsInRow() == 0 && !frame.MayReport()) return 1;
         for (u32 y = 0; y < height; ++y) {
-            // Rows may be of any length here, in no memory: without samples nothing bounds them.
-            const u32 points = writes || walk.HasSideEffects() ? width : 0;
+            const u32 points = pointsInRow();
             ForRuns(
                 walk, points, [&](PointRun& run, u32 x, u32 count) { walk.MapPixels(run, x, y, count); },
                 [&](PointRun& run, u32 x) {

@@ -3,6 +3,7 @@
 
 #include "support/progress_recorder.h"
 
+#include <chrono>
 #include <limits>
 
 namespace zlvtest {
@@ -300,6 +301,21 @@ TEST(TransformProcess, PixelsThatNobodySeesTakeNoTime)
     Bytes dst(12, 7);
     EXPECT_EQ(ZLV40_TransformProcess(kRamp.data(), kWide, 1000, 4, dst.data(), 4, 0, 0, 100), 1u);
     EXPECT_EQ(ZLV40_TransformProcess(kRamp.data(), kWide, 1000, 4, dst.data(), 4, 1, 3, 100), 1u);
+    EXPECT_EQ(dst, Bytes(12, 7));
+}
+
+// However many there are; billions of reports would take their time.
+TEST(TransformProcess, RowsWithoutPixelsTakeNoTimeWhenNobodyListens)
+{
+    const WarpList list;
+    ASSERT_EQ(ZLV40_AddSpinTransform(4, 3, 2, 90, 0, 0), 1u);
+    constexpr std::uint32_t kHigh = 0xFFFFFFFFu;
+    Bytes dst(12, 7);
+    const auto began = std::chrono::steady_clock::now();
+    EXPECT_EQ(ZLV40_TransformProcess(kRamp.data(), 0, kHigh, 4, dst.data(), 4, 1, 0, 100), 1u);
+    EXPECT_EQ(ZLV40_TransformProcess(kRamp.data(), 4, kHigh, 4, dst.data(), 4, 0, 0, 100), 1u);
+    EXPECT_EQ(ZLV40_TransformProcess(kRamp.data(), 4, kHigh, 4, dst.data(), 4, 1, 3, 100), 1u);
+    EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::seconds(5));
     EXPECT_EQ(dst, Bytes(12, 7));
 }
 
