@@ -12,8 +12,8 @@ namespace zlvtest {
 class Host {
 public:
     virtual ~Host() = default;
-    // Within a progress callback of an exported function.
-    virtual void AtReport() {}
+    // Within a progress callback of an exported function, which reports `total` times or so.
+    virtual void AtReport(std::uint32_t /*total*/) {}
     // What a call answered, or what stands in a buffer when it is given up.
     virtual void Note(const std::uint8_t*, std::size_t) {}
     // A clock, the memory or the processor's time took part: another run may end otherwise.

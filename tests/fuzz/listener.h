@@ -65,7 +65,7 @@ private:
         Listener& self = *reinterpret_cast<Listener*>(data);
         Require(self.rule_(current, total, self.heard_));
         ++self.heard_;
-        if (self.isOfExports_) self.input_.GetHost().AtReport();
+        if (self.isOfExports_) self.input_.GetHost().AtReport(total);
         self.hasCancelled_ = self.hasCancelled_ || self.heard_ == self.cancelAt_ || self.heard_ == kMostReports;
         return !self.hasCancelled_;
     }

@@ -76,7 +76,7 @@ struct Diary {
     std::vector<std::pair<RoundName, Outcome>> toRepeat;
     std::uint32_t rounds = 0, nestedCalls = 0;
     double slowest = 0;
-    std::string slowestTopic;
+    RoundName slowestRound = {};
 };
 
 class Client {
@@ -134,7 +134,7 @@ private:
         if (isFresh && diary_.toRepeat.size() < kMostRepeats) diary_.toRepeat.push_back({name, outcome});
         if (seconds <= diary_.slowest) return;
         diary_.slowest = seconds;
-        diary_.slowestTopic = outcome.topic;
+        diary_.slowestRound = name;
     }
 
     // One of several codes, while the other clients leave theirs.
@@ -204,8 +204,8 @@ int Soak(const Options& options)
         nestedCalls += diary.nestedCalls;
         if (diary.slowest > slowest->slowest) slowest = &diary;
     }
-    std::printf("%u rounds, %u topics within callbacks, %u rounds repeated alone; the slowest took %.2f s (%s)\n",
-                rounds, nestedCalls, repeated, slowest->slowest, slowest->slowestTopic.c_str());
+    std::printf("%u rounds, %u topics within callbacks, %u rounds repeated alone; the slowest took %.2f s: %s\n",
+                rounds, nestedCalls, repeated, slowest->slowest, slowest->slowestRound.Text().c_str());
     const bool hasWorked = rounds >= kClients && nestedCalls > 0 && repeated > 0;
     if (!hasWorked) std::fprintf(stderr, "too little was tried\n");
     return hasWorked && isRepeatable && crowd.mistakes == 0 ? 0 : 1;
