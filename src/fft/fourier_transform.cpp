@@ -88,7 +88,8 @@ ZLV_EXPORT u32 ZLV40_DoFFT(const u8* srcBytes, const f64* srcDoubles, u32 width,
     return InFrame(FrameKind::ErrorSlotOnly, [&](CallFrame& frame) -> u32 {
         if (!grid) return kNoGrid;
         if (!srcBytes == !srcDoubles) return frame.Fail(Error::BadArgument);
-        const Grid values = {grid, width, height};
+        // Rows of nothing are not walked through: a client may say billions.
+        const Grid values = {grid, width, width == 0 ? 0 : height};
         if (srcBytes) {
             const f64 mean = MeanOf(srcBytes, values, srcRowStride, u64(0));
             frame.SetLastError(TransformPicture(srcBytes, srcRowStride, mean, values));

@@ -211,6 +211,19 @@ TEST(DoFFT, AFailingTransformShowsInTheLastErrorAlone)
     });
 }
 
+// Walking through the rows would take seconds.
+TEST(DoFFT, BillionsOfRowsWithoutColumnsAreNoWork)
+{
+    const double real = 0;
+    const std::uint8_t byte = 0;
+    Doubles grid(2, 7);
+    EXPECT_EQ(ZLV40_DoFFT(&byte, nullptr, 0, 0x80000000, 0, grid.data()), 1u);
+    EXPECT_EQ(ZLV40_GetLastError(), std::uint32_t(ZLV40_ERROR_BAD_ARGUMENT));
+    EXPECT_EQ(ZLV40_DoFFT(nullptr, &real, 0, 0xFFFFFFFF, 0, grid.data()), 1u);
+    EXPECT_EQ(ZLV40_GetLastError(), std::uint32_t(ZLV40_ERROR_BAD_ARGUMENT));
+    EXPECT_EQ(grid, Doubles(2, 7));
+}
+
 TEST(DoFFTInverse, FailsWithSizesThatAreNoPowersOfTwo)
 {
     zlvtest::OnEveryTarget([&] {
