@@ -1,4 +1,4 @@
-// Every described effect as a row of a table, with a way to call it with any values.
+// Every export as a row of a table, with a way to call it with any values. Link boundary/call_table.cpp.
 #pragma once
 
 #include "zlv40.h"
@@ -33,6 +33,11 @@ enum class Role {
     CallbackData
 };
 
+enum class ArgumentKind { Pointer, Function, Integer, Real };
+
+// How a call tells that it refused: 0 in place of 1, a null object, or not at all.
+enum class Answer { Status, Object, Nothing };
+
 enum class Zero { Plain, Nothing, Refused };  // what a size of 0 gives
 
 struct FlagBit {
@@ -61,6 +66,7 @@ struct DescribedImage {
 struct DescribedArgument {
     const char* name;
     Role role;
+    ArgumentKind kind;
     std::uint32_t nullError = 0;  // 0: null is accepted
     Zero zero = Zero::Plain;
     std::uint32_t zeroError = 0;  // of a refused one
@@ -68,32 +74,37 @@ struct DescribedArgument {
     bool hasMinimum = false, hasMaximum = false;
     bool costs = false;  // the time that a call takes grows with it
     bool isSigned = false;
+    std::uint32_t bits = 0;          // of an integer
     bool isOutsideAccepted = false;  // limited or ignored instead of refused
     std::vector<FlagBit> flags = {};
     std::uint32_t unsweptFlags = 0;  // bits with which the call keeps to rules of its own
     DescribedImage image = {};
     point defaultPoint = {};
     std::vector<std::uint8_t> bytes = {};  // of an array that is only read: what it holds by default
+    std::size_t elementBytes = 0;          // of an array
+    std::size_t count = 0;                 // of its elements, times the values of countOf; 0: not described
+    std::vector<int> countOf = {};         // indexes of arguments
+    bool isRead = false;                   // an array that is only read
 };
 
 struct DescribedEffect {
     const char* name;
+    bool isSwept;  // can be called knowing no more than this row
+    Answer answer;
     std::vector<std::uint32_t> channels;
+    std::vector<std::uint32_t> errors;
     bool reports;
     bool canCancel;
     bool repeats = true;        // a call on a fresh thread gives the same bytes again
     std::uint32_t cancelError;  // 0: a cancel leaves no code
     bool isCancelQuiet;         // some cancels leave none, whatever cancelError is
     std::vector<DescribedArgument> arguments;
-    std::uint32_t (*call)(const Value* values);
+    std::uint64_t (*call)(const Value* values);  // what it returned: a number, or a pointer's
 };
 
-inline const std::vector<DescribedEffect>& DescribedEffects()
-{
-    static const std::vector<DescribedEffect> effects = {
-#include "call_table.inc"
-    };
-    return effects;
-}
+const std::vector<DescribedEffect>& DescribedExports();
+
+// Those that are effects of pictures alone.
+const std::vector<DescribedEffect>& DescribedEffects();
 
 }  // namespace zlvtest

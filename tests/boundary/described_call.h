@@ -1,157 +1,101 @@
-// A call of a described effect that works, to be broken in one place after the other.
+// A call of an export that works, to be broken in one place after the other.
 #pragma once
 
-#include "boundary/call_table.h"
+#include "boundary/export_rows.h"
 #include "support/bytes.h"
 #include "support/guarded_buffer.h"
 
-#include <cstring>
 #include <memory>
 
 namespace zlvtest {
+
+// How a call ended.
+struct Outcome {
+    bool isDone;
+    std::uint32_t code;  // the last error
+    bool operator==(const Outcome&) const = default;
+};
 
 class DescribedCall {
 public:
     static constexpr std::uint32_t kWidth = 13, kHeight = 7, kPadding = 3;
     static constexpr std::uint8_t kFill = 0xA7;
 
-    DescribedCall(const DescribedEffect& effect, std::uint32_t channels, Flush flush = Flush::ToEnd)
-        : effect_(effect), channels_(channels), values(effect.arguments.size())
-    {
-        for (std::size_t i = 0; i < values.size(); ++i) SetDefault(i, flush);
-        for (const auto& image : images_) before_.emplace_back(image->Data(), image->Data() + image->Size());
-    }
+    DescribedCall(const DescribedEffect& effect, std::uint32_t channels, Flush flush = Flush::ToEnd);
+    ~DescribedCall();
+    DescribedCall(const DescribedCall&) = delete;
+    DescribedCall& operator=(const DescribedCall&) = delete;
 
-    std::uint32_t Run() const { return effect_.call(values.data()); }
+    // What the export returned. A call may run any number of times, with GiveBack after each.
+    std::uint64_t Run();
+    void GiveBack();
+    // Runs, asks for the code, and gives back.
+    Outcome RunWhole();
+    // How the latest Run ended.
+    Outcome Ended() const;
 
-    // Every byte of every image as it was.
-    bool IsUntouched() const
-    {
-        for (std::size_t i = 0; i < images_.size(); ++i) {
-            if (!IsUntouched(i)) return false;
-        }
-        return true;
-    }
+    void Set(const Setting& setting) { values[IndexOf(setting.argument)] = setting.value; }
+    std::size_t IndexOf(std::string_view argument) const;
+    Value& operator[](std::string_view argument) { return values[IndexOf(argument)]; }
 
-    // Every byte of the images that are only read as it was.
-    bool AreSourcesUntouched() const
-    {
-        for (std::size_t i = 0; i < images_.size(); ++i) {
-            if (!layouts_[i].isWritten && !IsUntouched(i)) return false;
-        }
-        return true;
-    }
+    // Memory between guard pages for an argument that points; an argument's null is a value as any other.
+    std::uint8_t* NewArray(std::string_view argument, std::size_t bytes, bool isWritten);
 
-    // The bytes between the rows as they were.
-    bool IsPaddingUntouched() const
-    {
-        for (std::size_t i = 0; i < images_.size(); ++i) {
-            for (std::size_t k = 0; k < images_[i]->Size(); ++k) {
-                const bool isPadding = !layouts_[i].hasWholeRows && k % layouts_[i].stride >= layouts_[i].row;
-                if (isPadding && images_[i]->Data()[k] != kFill) return false;
-            }
-        }
-        return true;
-    }
+    // Every byte of all memory as it was when the call was made.
+    bool IsUntouched() const;
+    // Every byte of what is only read as it was.
+    bool AreSourcesUntouched() const;
+    // The bytes between the pixels that the arguments describe now as they were.
+    bool IsPaddingUntouched() const;
+    // Takes what is there for what was there.
+    void Remember();
+    // What the call has written.
+    Bytes Written() const;
 
-    Bytes Pixels() const
-    {
-        Bytes all;
-        for (const auto& image : images_) all.insert(all.end(), image->Data(), image->Data() + image->Size());
-        return all;
-    }
+    const DescribedEffect& Effect() const { return effect_; }
+    const ExportRow& Row() const { return row_; }
+
+    std::vector<Value> values;
+    void* handle = nullptr;         // of the row, which makes and frees it
+    std::uint32_t blocksFreed = 0;  // by the row, of those that the library gave away
 
 private:
-    struct Layout {
-        std::size_t row, stride;  // in bytes
-        bool isWritten, hasWholeRows;
+    struct Memory {
+        std::size_t argument;
+        bool isWritten;
+        std::unique_ptr<GuardedBuffer> buffer;
+        Bytes before;
     };
 
     const DescribedEffect& effect_;
+    const ExportRow& row_;
     const std::uint32_t channels_;
+    const Flush flush_;
     Random random_{7};
-    std::vector<std::unique_ptr<GuardedBuffer>> images_;
-    std::vector<Layout> layouts_;
+    std::vector<Memory> memory_;
     std::vector<std::unique_ptr<point>> points_;
-    std::vector<std::unique_ptr<GuardedBuffer>> arrays_;
-    std::vector<Bytes> before_;
+    std::uint64_t result_ = 0;
+    std::uint32_t code_ = 0;
 
-    bool IsUntouched(std::size_t i) const
-    {
-        return std::memcmp(images_[i]->Data(), before_[i].data(), before_[i].size()) == 0;
-    }
-
-    void SetDefault(std::size_t i, Flush flush)
-    {
-        const DescribedArgument& argument = effect_.arguments[i];
-        switch (argument.role) {
-        case Role::Image: values[i].pointer = NewImage(argument.image, flush); break;
-        case Role::Width: values[i].integer = kWidth; break;
-        case Role::Height: values[i].integer = kHeight; break;
-        case Role::Channels: values[i].integer = channels_; break;
-        case Role::Stride: break;  // set with its image
-        case Role::Point:
-            // The default is a place in a picture of a usual size.
-            points_.push_back(std::make_unique<point>(argument.defaultPoint));
-            points_.back()->x %= std::int32_t(kWidth);
-            points_.back()->y %= std::int32_t(kHeight);
-            values[i].pointer = points_.back().get();
-            break;
-        case Role::In: values[i].pointer = NewArray(argument.bytes, flush); break;
-        default:
-            values[i].integer = std::uint64_t(std::int64_t(argument.default_));
-            values[i].real = argument.default_;
-            break;
-        }
-    }
-
-    // The last row has no padding behind it: there the buffer ends, as a client's may.
-    std::uint8_t* NewImage(const DescribedImage& image, Flush flush)
-    {
-        const std::uint32_t count = image.fixedChannels ? image.fixedChannels : channels_;
-        const std::int64_t wider =
-            image.wider < 0 ? 0 : std::int64_t(effect_.arguments[std::size_t(image.wider)].default_);
-        const std::uint64_t width = image.isPerChannel ? 1 : std::uint64_t(kWidth + wider);
-        const std::uint32_t height = image.isPerChannel ? 1 : kHeight;
-        const std::size_t row = std::size_t(image.RowBytes(width, count));
-        const std::size_t padding = kPadding * ((image.sampleBits + 7) / 8);  // keeps rows aligned to their samples
-        const Layout layout = {row, image.stride >= 0 ? row + padding : row, image.isWritten, image.hasWholeRows};
-        if (image.stride >= 0) values[std::size_t(image.stride)].integer = layout.stride / image.strideBytes;
-        const std::size_t size =
-            (height - 1) * layout.stride + (image.hasWholeRows ? layout.stride : row) + image.isText;
-        images_.push_back(std::make_unique<GuardedBuffer>(size, flush, kFill));
-        layouts_.push_back(layout);
-        std::uint8_t* const data = images_.back()->Data();
-        for (std::size_t y = 0; y < height; ++y) FillRow(data + y * layout.stride, row, image.sampleBits);
-        return data;
-    }
-
-    void* NewArray(const Bytes& bytes, Flush flush)
-    {
-        if (bytes.empty()) return nullptr;
-        arrays_.push_back(std::make_unique<GuardedBuffer>(bytes.size(), flush));
-        std::memcpy(arrays_.back()->Data(), bytes.data(), bytes.size());
-        return arrays_.back()->Data();
-    }
-
-    // Any bytes; reals from 0 to 1.
-    void FillRow(std::uint8_t* row, std::size_t bytes, std::uint32_t sampleBits)
-    {
-        if (sampleBits != 64) {
-            for (std::size_t k = 0; k < bytes; ++k) row[k] = random_.Byte();
-            return;
-        }
-        for (std::size_t k = 0; k < bytes; k += sizeof(double)) {
-            const double sample = random_.Byte() / 255.0;
-            std::memcpy(row + k, &sample, sizeof sample);
-        }
-    }
-
-public:
-    std::vector<Value> values;
+    std::uint32_t Width() const { return row_.width ? row_.width : kWidth; }
+    std::uint32_t Height() const { return row_.height ? row_.height : kHeight; }
+    std::uint8_t* NewMemory(std::size_t argument, std::size_t bytes, bool isWritten, std::uint8_t fill);
+    void SetNumber(std::size_t i);
+    void MakeMemory(std::size_t i);
+    std::uint8_t* MakeImage(std::size_t i);
+    std::uint8_t* MakeDescribedArray(std::size_t i);
+    void FillRow(std::uint8_t* row, std::size_t bytes, std::uint32_t sampleBits);
+    static bool IsUntouched(const Memory& memory);
+    bool IsPixel(const Memory& memory, std::size_t offset) const;
 };
 
-// Runs check(call, what) for every way to break one argument of the effect whose answer is described as refused.
+// The counts with which an export is called; any one when it has no channels.
+std::vector<std::uint32_t> ChannelCounts(const DescribedEffect& effect);
+
+// Makes the last error 0: some exports leave an earlier code as it is.
+void ClearLastError();
+
+// Runs check(call, what, error) for every way to break one argument whose answer is described as refused.
 template <class Check>
 void ForEachRefusal(const DescribedEffect& effect, std::uint32_t channels, Check check)
 {
@@ -172,7 +116,8 @@ void ForEachRefusal(const DescribedEffect& effect, std::uint32_t channels, Check
                 v.integer = std::uint64_t(std::int64_t(number));
             };
         };
-        if (argument.hasMinimum && !argument.isOutsideAccepted) {
+        // What is below a minimum of 1 is the zero that may have a code of its own.
+        if (argument.hasMinimum && !argument.isOutsideAccepted && !(argument.minimum == 1 && argument.zeroError)) {
             broken(i, "is below its minimum", ZLV40_ERROR_BAD_ARGUMENT, setTo(argument.minimum - 1));
         }
         if (argument.hasMaximum && !argument.isOutsideAccepted) {

@@ -11,14 +11,16 @@
 namespace zlvtest {
 
 // Runs call() with the first use of the platform's function failing, then with the second, ..., until none fails, and
-// check(result, failed, succeeding) behind each. Returns how many runs had a failure.
+// check(result, failed, succeeding) behind each. `atATime` uses fail in a run, or all that come. Returns how many runs
+// had a failure.
 template <class Call, class Check>
-std::uint32_t WithEachFailing(FailingCalls::Of function, Call call, Check check)
+std::uint32_t WithEachFailing(FailingCalls::Of function, Call call, Check check,
+                              std::uint32_t atATime = FailingCalls::kAlways)
 {
     for (std::uint32_t succeeding = 0; succeeding < 1000; ++succeeding) {
         SCOPE("succeeding", succeeding);
         auto run = [&] {
-            const FailingCalls failing(function, succeeding);
+            const FailingCalls failing(function, succeeding, atATime);
             const auto result = call();
             return std::pair(result, failing.Failed());
         };

@@ -3,6 +3,8 @@
 #include "platform/platform.h"
 #include "support/thread_start.h"
 
+#include <atomic>
+
 using zlv::platform::Event;
 using zlv::platform::OwnedMutex;
 using zlv::platform::SlotIndex;
@@ -19,6 +21,10 @@ using zlv::platform::TimeOfDay;
 // The linker's --wrap leads calls of `name` to __wrap_name, and calls of __real_name to the function itself.
 void* RealAllocate(std::size_t) __asm__("__real__ZN3zlv8platform8AllocateE" SIZE_CODE);
 void* WrapAllocate(std::size_t) __asm__("__wrap__ZN3zlv8platform8AllocateE" SIZE_CODE);
+void RealFree(void*) __asm__("__real__ZN3zlv8platform4FreeEPv");
+void WrapFree(void*) __asm__("__wrap__ZN3zlv8platform4FreeEPv");
+void RealFreeClientBlock(void*) __asm__("__real__ZN3zlv8platform15FreeClientBlockEPv");
+void WrapFreeClientBlock(void*) __asm__("__wrap__ZN3zlv8platform15FreeClientBlockEPv");
 void* RealAllocateClientBlock(std::size_t) __asm__("__real__ZN3zlv8platform19AllocateClientBlockE" SIZE_CODE);
 void* WrapAllocateClientBlock(std::size_t) __asm__("__wrap__ZN3zlv8platform19AllocateClientBlockE" SIZE_CODE);
 Thread* RealStart(ThreadFunction, void*) __asm__("__real__ZN3zlv8platform20StartSuspendedThreadEPFvPvES1_");
@@ -46,10 +52,13 @@ thread_local std::uint32_t fixedSecondsValue;
 struct Order {
     bool isGiven = false;
     std::uint32_t succeeding = 0;
+    std::uint32_t failing = 0;
     std::uint32_t failed = 0;
 };
 
 thread_local Order orders[6];
+
+std::atomic<std::int64_t> liveBlocks = 0, liveClientBlocks = 0;
 
 bool FailsNow(FailingCalls::Of function)
 {
@@ -59,20 +68,24 @@ bool FailsNow(FailingCalls::Of function)
         --order.succeeding;
         return false;
     }
+    if (order.failed == order.failing) return false;
     ++order.failed;
     return true;
 }
 
 }  // namespace
 
-FailingCalls::FailingCalls(Of function, std::uint32_t succeeding) : function_(function)
+FailingCalls::FailingCalls(Of function, std::uint32_t succeeding, std::uint32_t failing) : function_(function)
 {
-    orders[int(function)] = {true, succeeding, 0};
+    orders[int(function)] = {true, succeeding, failing, 0};
 }
 
 FailingCalls::~FailingCalls() { orders[int(function_)] = {}; }
 
 std::uint32_t FailingCalls::Failed() const { return orders[int(function_)].failed; }
+
+std::int64_t LiveBlocks() { return liveBlocks; }
+std::int64_t LiveClientBlocks() { return liveClientBlocks; }
 
 FixedTime::FixedTime(std::uint32_t hours, std::uint32_t minutes, std::uint32_t seconds)
 {
@@ -95,11 +108,40 @@ FixedSeconds::~FixedSeconds() { fixedSeconds = nullptr; }
 using zlvtest::FailingCalls;
 using zlvtest::FailsNow;
 
-void* WrapAllocate(std::size_t bytes) { return FailsNow(FailingCalls::Of::Allocate) ? nullptr : RealAllocate(bytes); }
+namespace {
+
+// What `allocate` gives, counted, or null when it is to fail.
+void* AllocateCounted(FailingCalls::Of function, void* (*allocate)(std::size_t), std::size_t bytes,
+                      std::atomic<std::int64_t>& live)
+{
+    void* const block = FailsNow(function) ? nullptr : allocate(bytes);
+    live += block != nullptr;
+    return block;
+}
+
+}  // namespace
+
+void* WrapAllocate(std::size_t bytes)
+{
+    return AllocateCounted(FailingCalls::Of::Allocate, RealAllocate, bytes, zlvtest::liveBlocks);
+}
+
+void WrapFree(void* block)
+{
+    zlvtest::liveBlocks -= block != nullptr;
+    RealFree(block);
+}
 
 void* WrapAllocateClientBlock(std::size_t bytes)
 {
-    return FailsNow(FailingCalls::Of::AllocateClientBlock) ? nullptr : RealAllocateClientBlock(bytes);
+    return AllocateCounted(FailingCalls::Of::AllocateClientBlock, RealAllocateClientBlock, bytes,
+                           zlvtest::liveClientBlocks);
+}
+
+void WrapFreeClientBlock(void* block)
+{
+    zlvtest::liveClientBlocks -= block != nullptr;
+    RealFreeClientBlock(block);
 }
 
 // What `make` makes, counted, or null when it is to fail.

@@ -5,12 +5,14 @@
 
 namespace zlvtest {
 
-// While it lives, the platform function fails on this thread after `succeeding` more calls, and then always.
+// While it lives, the platform function fails on this thread after `succeeding` more calls: `failing` times, or always.
 class FailingCalls {
 public:
     enum class Of { Allocate, AllocateClientBlock, StartThread, SetSlot, CreateEvent, CreateMutex };
 
-    FailingCalls(Of function, std::uint32_t succeeding);
+    static constexpr std::uint32_t kAlways = 0xFFFFFFFF;
+
+    FailingCalls(Of function, std::uint32_t succeeding, std::uint32_t failing = kAlways);
     ~FailingCalls();
     FailingCalls(const FailingCalls&) = delete;
     FailingCalls& operator=(const FailingCalls&) = delete;
@@ -21,6 +23,10 @@ public:
 private:
     Of function_;
 };
+
+// Blocks of the library's own memory, and blocks made for clients, that were allocated and not freed by the library.
+std::int64_t LiveBlocks();
+std::int64_t LiveClientBlocks();
 
 // While it lives, the platform's clock stands still at this time of day.
 class FixedTime {
