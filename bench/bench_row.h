@@ -49,12 +49,16 @@ struct BenchRow {
     Work ours;
     Peer peer = {};
     size_t resultPixels = 0;  // what a time is divided by, where the result has other pixels than the image
+    const char* unit = "px";  // what it is divided by: pixels, points, bytes, calls
 };
 
 std::vector<BenchRow> AdaptiveRows();
 std::vector<BenchRow> ArtisticRows();
 std::vector<BenchRow> BaseRows();
+std::vector<BenchRow> BufferRows();
+std::vector<BenchRow> CallRows();
 std::vector<BenchRow> CrackleRows();
+std::vector<BenchRow> EachWarpRows();
 std::vector<BenchRow> EdgesRows();
 std::vector<BenchRow> FilterRows();
 std::vector<BenchRow> FrequencyRows();
@@ -70,9 +74,9 @@ std::vector<BenchRow> PolygonRows();
 std::vector<BenchRow> PushRows();
 std::vector<BenchRow> ReflectionRows();
 std::vector<BenchRow> ResizeRows();
+std::vector<BenchRow> SeamRows();
 std::vector<BenchRow> SegmentedRows();
 std::vector<BenchRow> SplineRows();
-std::vector<BenchRow> SeamRows();
 std::vector<BenchRow> ToneRows();
 std::vector<BenchRow> WarpRows();
 std::vector<BenchRow> WindowRows();

@@ -52,15 +52,28 @@ BenchRow PerlinBytes(const Shape& shape, const std::string& name, f64 scale)
              }}};
 }
 
-BenchRow PerlinDoubles(const Shape& shape, const std::string& name, f64 scale, f64 angle)
+Work Doubles(const Shape& shape, f64 scale)
 {
-    return {"GetPerlinNoise3DSliceDouble/" + name,
+    return [=](const Buffers& buffers) {
+        ZLV40_GetPerlinNoise3DSliceDouble(Field(), reinterpret_cast<f64*>(buffers.image), shape.width, shape.height,
+                                          shape.width, scale, 0.5);
+    };
+}
+
+Work TurnedDoubles(const Shape& shape, f64 scale, f64 angle)
+{
+    return [=](const Buffers& buffers) {
+        ZLV40_GetPerlinNoise3DSliceDoubleEx(Field(), reinterpret_cast<f64*>(buffers.image), shape.width, shape.height,
+                                            shape.width, scale, 0.5, 0, 0, angle, 0, 0);
+    };
+}
+
+BenchRow PerlinDoubles(const std::string& name, const Shape& shape, const Work& work, f64 scale, f64 angle = 0)
+{
+    return {name,
             shape,
             0,
-            [=](const Buffers& buffers) {
-                ZLV40_GetPerlinNoise3DSliceDoubleEx(Field(), reinterpret_cast<f64*>(buffers.image), shape.width,
-                                                    shape.height, shape.width, scale, 0.5, 0, 0, angle, 0, 0);
-            },
+            work,
             {"point by point",
              [=](const Buffers& buffers) {
                  PerlinNoise& noise = *static_cast<PerlinNoise*>(Field());
@@ -75,6 +88,15 @@ BenchRow PerlinDoubles(const Shape& shape, const std::string& name, f64 scale, f
                  }
              },
              angle == 0}};
+}
+
+// A field of its own each time.
+BenchRow FieldAndSlice(const Shape& shape, const std::string& name, f64 scale)
+{
+    return {"GeneratePerlinNoise/" + name, shape, 0, [=](const Buffers& buffers) {
+                SeedRandom(*baseContexts.Get(), 1);
+                ZLV40_GeneratePerlinNoise(buffers.image, shape.width, shape.height, i32(shape.width), scale);
+            }};
 }
 
 // Value noise as it is usually written: nothing is kept from one pixel to the next.
@@ -223,8 +245,12 @@ std::vector<BenchRow> GenerateRows()
         PerlinBytes(gray, "gray8/1920x1080/scale=0.02", 0.02),
         PerlinBytes(gray, "gray8/1920x1080/scale=0.2", 0.2),
         PerlinBytes(gray, "gray8/1920x1080/scale=0.97", 0.97),
-        PerlinDoubles(reals, "f64/1920x1080/scale=0.02", 0.02, 0),
-        PerlinDoubles(reals, "f64_turned/1920x1080/scale=0.02", 0.02, 0.5),
+        PerlinDoubles("GetPerlinNoise3DSliceDouble/f64/1920x1080/scale=0.02", reals, Doubles(reals, 0.02), 0.02),
+        PerlinDoubles("GetPerlinNoise3DSliceDoubleEx/f64/1920x1080/scale=0.02", reals, TurnedDoubles(reals, 0.02, 0),
+                      0.02),
+        PerlinDoubles("GetPerlinNoise3DSliceDoubleEx/f64_turned/1920x1080/scale=0.02", reals,
+                      TurnedDoubles(reals, 0.02, 0.5), 0.02, 0.5),
+        FieldAndSlice(gray, "gray8/1920x1080/scale=0.02", 0.02),
         Hugo(tinyGray, "gray8/16x16/4_scale=0.05", 4, 0.05),
         Hugo(gray, "gray8/1920x1080/4_scale=0.05", 4, 0.05),
         Hugo(gray, "gray8/1920x1080/4_scale=0.97", 4, 0.97),

@@ -127,6 +127,18 @@ BenchRow DustRow(const char* layout, const Shape& shape, u32 side)
             CvDust(shape, side)};
 }
 
+BenchRow ConstantTimeDustRow(const char* layout, const Shape& shape, u32 side)
+{
+    return {NameOf("DustAndScratches_O1", layout, shape, side), shape, shape.Bytes(),
+            [=](const Buffers& buffers) {
+                const u32 stride = shape.width * shape.channels;
+                ZLV40_DustAndScratches_O1(buffers.image, shape.width, shape.height, buffers.output, shape.channels,
+                                          stride, stride, i32(side), kThreshold, kAmount,
+                                          ZLV40_PAD_LEFT | ZLV40_PAD_RIGHT);
+            },
+            CvDust(shape, side)};
+}
+
 BenchRow BitRow(const Shape& shape, u32 side)
 {
     return {NameOf("MedianFilter1Bit", "bits", shape, side), shape, shape.Bytes(),
@@ -150,6 +162,8 @@ std::vector<BenchRow> MedianRows()
     for (const u32 side : {5u, 15u, 51u}) rows.push_back(ConstantTimeRow("rgb8", rgb, side));
     rows.push_back(DustRow("rgb8", rgb, 5));
     rows.push_back(DustRow("rgb8", rgb, 21));
+    rows.push_back(ConstantTimeDustRow("rgb8", rgb, 5));
+    rows.push_back(ConstantTimeDustRow("rgb8", rgb, 21));
     for (const u32 side : {3u, 5u, 11u, 51u}) rows.push_back(BitRow(bits, side));
     return rows;
 }

@@ -48,6 +48,7 @@ using PixPointer = std::shared_ptr<Pix>;
 // Its image is a copy: it wants rows of whole words, in the processor's byte order.
 PixPointer RandomPix(const Shape& shape)
 {
+    setMsgSeverity(L_SEVERITY_NONE);  // it would tell at each call that an element has no code of its own
     const PixPointer image(pixCreate(int(shape.width), int(shape.height), 1), [](Pix* pix) { pixDestroy(&pix); });
     RandomBytes random(20);
     const u32 words = u32(pixGetWpl(image.get())) * shape.height;

@@ -47,6 +47,19 @@ BenchRow Row(const Shape& shape, const std::string& what, u32 colors, u32 mode, 
             QuantizerAndMedian(shape, colors)};
 }
 
+// The same by the shorter call.
+BenchRow TwoModesRow(const Shape& shape)
+{
+    const auto palette = std::make_shared<std::vector<u8>>(1024);
+    return {"SegmentedColorizeRGB/16_median5/" + std::to_string(shape.width) + "x" + std::to_string(shape.height),
+            shape, shape.Pixels(),
+            [=](const Buffers& buffers) {
+                ZLV40_SegmentedColorizeRGB(buffers.image, shape.width, shape.height, 0, buffers.output,
+                                           i32(shape.width), palette->data(), 16, 5, 1);
+            },
+            QuantizerAndMedian(shape, 16)};
+}
+
 }  // namespace
 
 std::vector<BenchRow> SegmentedRows()
@@ -62,6 +75,7 @@ std::vector<BenchRow> SegmentedRows()
         Row(kFull, "boundary5x5", 16, ZLV40_SEGMENT_BOUNDARY, 2),
         Row(kFull, "median5", 256, ZLV40_SEGMENT_MEDIAN, 5),
         Row(kOdd, "median5", 16, ZLV40_SEGMENT_MEDIAN, 5),
+        TwoModesRow(kFull),
     };
 }
 

@@ -56,7 +56,9 @@ std::vector<BenchRow> SplineRows()
              {kPoints, 1, 1},
              3 * kPoints * sizeof(f64),
              spline,
-             {"de Boor loop", deBoor, false}}};
+             {"de Boor loop", deBoor, false},
+             0,
+             "point"}};
 }
 
 }  // namespace zlvbench

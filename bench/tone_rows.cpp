@@ -67,7 +67,7 @@ BenchRow MatchRow(const std::string& name, const Shape& shape, f64 tolerance)
         const Hsv color = RGBToHSV(x, y, 0.5 * x + 0.3 * y * y);
         (*picture)[i * 3] = color.h, (*picture)[i * 3 + 1] = color.s, (*picture)[i * 3 + 2] = color.v;
     }
-    return {"GetHSVColorMatchMask/" + name + "/1920x1080", shape, shape.Pixels(),
+    return {"GetHSVColorMatchMaskFromImage/" + name + "/1920x1080", shape, shape.Pixels(),
             [=](const Buffers& buffers) {
                 ZLV40_GetHSVColorMatchMaskFromImage(picture->data(), shape.width, shape.height, shape.width * 3,
                                                     buffers.output, shape.width, shape.width / 2, shape.height / 2, 0,
