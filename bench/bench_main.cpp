@@ -11,9 +11,12 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <map>
 #include <set>
 
 namespace zlvbench {
@@ -22,6 +25,7 @@ namespace {
 
 constexpr u64 kImageSeed = 20;
 constexpr u64 kOutputSeed = 21;
+constexpr int kCopyRepetitions = 25;
 
 struct Options {
     std::string rows;
@@ -42,12 +46,17 @@ Options TakeOptions(int& argc, char** argv)
     return options;
 }
 
+// The first bytes of the seed's sequence. It is kept: drawing it takes longer than most of what is measured.
 std::vector<u8> Fill(size_t bytes, u64 seed)
 {
-    RandomBytes random(seed);
-    std::vector<u8> filled(bytes);
-    for (u8& value : filled) value = u8(random.Next());
-    return filled;
+    struct Sequence {
+        RandomBytes random;
+        std::vector<u8> bytes;
+    };
+    static std::map<u64, Sequence> sequences;
+    Sequence& known = sequences.try_emplace(seed, Sequence{RandomBytes(seed), {}}).first->second;
+    while (known.bytes.size() < bytes) known.bytes.push_back(u8(known.random.Next()));
+    return {known.bytes.begin(), known.bytes.begin() + std::ptrdiff_t(bytes)};
 }
 
 class Memory {
@@ -99,7 +108,7 @@ void Count(benchmark::State& state, size_t pixels, size_t bytes)
     state.counters["bytes"] = f64(bytes);
 }
 
-void RunWork(benchmark::State& state, const BenchRow& row, const Work& work, Target target, const char* label)
+void RunWork(benchmark::State& state, const BenchRow& row, const Work& work, Target target, const std::string& label)
 {
     Memory memory(row);
     const Buffers buffers = memory.Pointers();
@@ -126,23 +135,38 @@ void RunCopy(benchmark::State& state, size_t bytes)
 }
 
 template <class Run>
-void Register(const std::string& name, Run run)
+void Register(const std::string& name, Run run, int repetitions)
 {
-    benchmark::RegisterBenchmark(name.c_str(), run);
+    benchmark::RegisterBenchmark(name.c_str(), run)->Repetitions(repetitions);
+}
+
+// Of work that takes this long: many where they are cheap. The whole table is to take minutes.
+int RepetitionsOf(const BenchRow& row, const Work& work)
+{
+    constexpr f64 kSeconds = 0.4, kSecondsOfShortRun = 0.015;
+    constexpr int kFewest = 4, kMost = 25;
+    Memory memory(row);
+    const auto start = std::chrono::steady_clock::now();
+    work(memory.Pointers());
+    const std::chrono::duration<f64> taken = std::chrono::steady_clock::now() - start;
+    return std::clamp(int(kSeconds / std::max(2 * taken.count(), kSecondsOfShortRun)), kFewest, kMost);
 }
 
 void RegisterRow(const BenchRow& row, const std::vector<Target>& targets)
 {
     const Target best = BestTarget();
-    Register(row.name, [=](benchmark::State& state) { RunWork(state, row, row.ours, best, kTargetNames[u32(best)]); });
-    for (const Target target : targets) {
-        const char* const targetName = kTargetNames[u32(target)];
-        Register(row.name + "/target=" + targetName,
-                 [=](benchmark::State& state) { RunWork(state, row, row.ours, target, targetName); });
-    }
+    const int repetitions = RepetitionsOf(row, row.ours);
+    const auto registerOurs = [&](const std::string& name, Target target) {
+        const std::string label = std::string(kTargetNames[u32(target)]) + " " + row.unit;  // table.py reads both
+        Register(
+            name, [=](benchmark::State& state) { RunWork(state, row, row.ours, target, label); }, repetitions);
+    };
+    registerOurs(row.name, best);
+    for (const Target target : targets) registerOurs(row.name + "/target=" + kTargetNames[u32(target)], target);
     if (!row.peer.work) return;
-    Register(row.name + "/peer",
-             [=](benchmark::State& state) { RunWork(state, row, row.peer.work, best, row.peer.name); });
+    Register(
+        row.name + "/peer", [=](benchmark::State& state) { RunWork(state, row, row.peer.work, best, row.peer.name); },
+        RepetitionsOf(row, row.peer.work));
 }
 
 int Main(int argc, char** argv)
@@ -156,10 +180,10 @@ int Main(int argc, char** argv)
     u32 count = 0;
     std::set<size_t> copies;
     const auto families = {
-        AdaptiveRows, ArtisticRows, BaseRows,        CrackleRows,    EdgesRows,      FilterRows, FrequencyRows,
-        GaussianRows, GenerateRows, LayerStylesRows, MedianRows,     MorphologyRows, NoiseRows,  OverlayRows,
-        PaletteRows,  PolygonRows,  PushRows,        ReflectionRows, ResizeRows,     SeamRows,   SegmentedRows,
-        SplineRows,   ToneRows,     WarpRows,        WindowRows,
+        AdaptiveRows,   ArtisticRows, BaseRows,      BufferRows,   CallRows,     CrackleRows,     EachWarpRows,
+        EdgesRows,      FilterRows,   FrequencyRows, GaussianRows, GenerateRows, LayerStylesRows, MedianRows,
+        MorphologyRows, NoiseRows,    OverlayRows,   PaletteRows,  PolygonRows,  PushRows,        ReflectionRows,
+        ResizeRows,     SeamRows,     SegmentedRows, SplineRows,   ToneRows,     WarpRows,        WindowRows,
     };
     for (const auto rowsOfFamily : families) {
         for (const BenchRow& row : rowsOfFamily()) {
@@ -175,7 +199,9 @@ int Main(int argc, char** argv)
         return 1;
     }
     for (const size_t bytes : copies) {
-        Register("memcpy/" + std::to_string(bytes), [=](benchmark::State& state) { RunCopy(state, bytes); });
+        Register(
+            "memcpy/" + std::to_string(bytes), [=](benchmark::State& state) { RunCopy(state, bytes); },
+            kCopyRepetitions);
     }
 
     benchmark::Initialize(&argc, argv);

@@ -20,6 +20,11 @@ mkdir -p "$build"
 cmake --preset bench -B "$build" >"$build/configure.log"
 cmake --build "$build" --target zlv_bench -j2
 "$build/bench/zlv_bench" $all_targets ${rows:+"$rows"} \
-    --benchmark_repetitions=25 --benchmark_min_time=0.01 --benchmark_enable_random_interleaving=true \
+    --benchmark_min_time=0.01 --benchmark_enable_random_interleaving=true \
     --benchmark_out_format=json --benchmark_out="$build/raw.json" >"$build/bench.log"
-python3 -B bench/table.py "$build/raw.json" bench/targets.toml "$build/results.json"
+exports=
+if [ -z "$rows" ]; then
+    exports="$build/exports.txt"
+    python3 -B api/generate.py --list "$build" >"$exports"
+fi
+python3 -B bench/table.py "$build/raw.json" bench/targets.toml "$build/results.json" ${exports:+"$exports"}
