@@ -2,7 +2,7 @@
 //
 // Points of a row that lie in one cell of the lattice share eight gradients. Where many do, they go side by side
 // through the arithmetic; where few do, the four edges of a cell that lead along x do. Every number is computed by the
-// operations of PerlinNoise::Noise3 in their order.
+// operations of PerlinNoise::Noise3 or Noise2 in their order.
 #include "generators/perlin.kernels.h"
 
 #include "base/kernel_vectors.h"
@@ -212,6 +212,45 @@ void Row(const PerlinNoise& noise, const PerlinPlane& plane, f64 row, f64 column
     else NoiseOfPoints<false>(noise, tx, ty, height, out, count);
 }
 
+// Points of one cell of the plane's own field, at the distance ry0 from its upper edge.
+void NoiseOfSquare(const PerlinNoise& noise, const Cell& cellX, const Cell& cellY, const f64* tx, f64 ry0, f64* out,
+                   size_t count)
+{
+    const u32 left = u32(noise.p[cellX.b0]), right = u32(noise.p[cellX.b1]);
+    const f64 *const g00 = noise.g2[noise.p[left + cellY.b0]], *const g10 = noise.g2[noise.p[right + cellY.b0]];
+    const f64 *const g01 = noise.g2[noise.p[left + cellY.b1]], *const g11 = noise.g2[noise.p[right + cellY.b1]];
+    const f64 ry1 = ry0 - 1.0, fadeOfY = Fade(ry0);
+    const f64 y00 = g00[1] * ry0, y10 = g10[1] * ry0, y01 = g01[1] * ry1, y11 = g11[1] * ry1;
+    const auto noiseAt = [&](const auto& rx0) {
+        const auto rx1 = rx0 - 1.0;
+        const auto fade = rx0 * rx0 * (3.0 - 2.0 * rx0);
+        const auto u0 = rx0 * g00[0] + y00, v0 = rx1 * g10[0] + y10;
+        const auto u1 = rx0 * g01[0] + y01, v1 = rx1 * g11[0] + y11;
+        const auto a = u0 + fade * (v0 - u0), b = u1 + fade * (v1 - u1);
+        return a + fadeOfY * (b - a);
+    };
+    size_t i = 0;
+    for (; i + kLanes <= count; i += kLanes) Store(out + i, noiseAt(Reals(Load<Reals>(tx + i) - cellX.whole)));
+    for (; i < count; ++i) out[i] = noiseAt(tx[i] - cellX.whole);
+}
+
+void Level(const PerlinNoise& noise, const f64* x, f64 y, f64* out, size_t count)
+{
+    const f64 ty = y + kPerlinOffset;
+    const Cell cellY(ty);
+    for (size_t first = 0; first < count; first += kPerlinBlock) {
+        const size_t block = count - first < kPerlinBlock ? count - first : kPerlinBlock;
+        f64 tx[kPerlinBlock];
+        for (size_t i = 0; i < block; ++i) tx[i] = x[first + i] + kPerlinOffset;
+        for (size_t i = 0; i < block;) {
+            const Cell cellX(tx[i]);
+            const size_t inside = cellX.CountOf(tx + i, block - i);
+            NoiseOfSquare(noise, cellX, cellY, tx + i, ty - cellY.whole, out + first + i, inside);
+            i += inside;
+        }
+    }
+}
+
 void ToBytes(const f64* noise, u8* out, size_t count)
 {
     size_t i = 0;
@@ -229,6 +268,6 @@ void ToBytes(const f64* noise, u8* out, size_t count)
 
 }  // namespace
 
-constinit const PerlinKernels kPerlinKernels = {Row, ToBytes};
+constinit const PerlinKernels kPerlinKernels = {Row, Level, ToBytes};
 
 }  // namespace zlv::ZLV_TARGET

@@ -1,4 +1,4 @@
-// Kernels of Perlin noise: pieces of rows of a plane through the three-dimensional field.
+// Kernels of Perlin noise: pieces of rows of a plane through the three-dimensional field, and of the field of the plane.
 #pragma once
 
 #include "generators/perlin.h"
@@ -20,6 +20,9 @@ struct PerlinPlane {
 struct PerlinKernels {
     // The noise at `count` columns of a row from `column` on; at most kPerlinBlock. The tables are built.
     void (*row)(const PerlinNoise& noise, const PerlinPlane& plane, f64 row, f64 column, f64* out, size_t count);
+
+    // The noise of the plane at points (x[i], y), whose x rise or fall steadily. The tables are built.
+    void (*level)(const PerlinNoise& noise, const f64* x, f64 y, f64* out, size_t count);
 
     // noise * 128 + 127, truncated and limited to 0..255; 0 for NaN.
     void (*toBytes)(const f64* noise, u8* out, size_t count);

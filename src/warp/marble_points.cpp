@@ -1,7 +1,8 @@
 // A warp that moves each point a fixed way, in a direction that a field of noise tells.
-#include "generators/perlin.h"
+#include "generators/perlin.kernels.h"
 #include "runtime/math.h"
 #include "warp/add_transform.h"
+#include "warp/pixel_row.h"
 #include "warp/point_walk.h"
 
 #include "zlv40.h"
@@ -29,6 +30,10 @@ public:
 
     void MapRun(PointRun& run) override
     {
+        if (IsPixelRow(run)) {
+            MapPixelRow(run);
+            return;
+        }
         for (u32 i = 0; i < run.count; ++i) {
             if (!run.isLost[i]) Displace(run.x[i], run.y[i]);
         }
@@ -37,12 +42,21 @@ public:
 private:
     static constexpr u32 kDirections = 256;
 
+    void MapPixelRow(PointRun& run)
+    {
+        f64 places[PointRun::kMost], noiseOfRow[PointRun::kMost];
+        for (u32 i = 0; i < run.count; ++i) places[i] = run.x[i] / scaleX;
+        Kernels<PerlinKernels>().level(noise, places, run.y[0] / scaleY, noiseOfRow, run.count);
+        for (u32 i = 0; i < run.count; ++i) DisplaceBy(noiseOfRow[i], run.x[i], run.y[i]);
+    }
+
+    void Displace(f64& x, f64& y) { DisplaceBy(noise.Noise2(x / scaleX, y / scaleY), x, y); }
+
     // The last entry is never read: noise of -1 to 1 leads to 0 to 254. Beyond the field's seam noise is stronger, and
     // limited here; where it is no number, a point stays.
-    void Displace(f64& x, f64& y)
+    void DisplaceBy(f64 noiseThere, f64& x, f64& y) const
     {
-        const f64 place[] = {x / scaleX, y / scaleY};
-        const f64 turn = (noise.Noise(place, 2) + 1.0) * 127.0;
+        const f64 turn = (noiseThere + 1.0) * 127.0;
         if (turn != turn) return;
         const u32 i = turn < 0 ? 0 : turn > kDirections - 2 ? kDirections - 2 : u32(turn);
         x += sinTable[i];

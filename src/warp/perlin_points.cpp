@@ -1,6 +1,7 @@
 // A warp that lets points swirl around the contours of a field of noise.
-#include "generators/perlin.h"
+#include "generators/perlin.kernels.h"
 #include "warp/add_transform.h"
+#include "warp/pixel_row.h"
 
 #include "zlv40.h"
 
@@ -24,23 +25,14 @@ public:
         return true;
     }
 
-    // Pixels beside each other share two of their three columns: the very same numbers are noise of the same points.
     void MapRun(PointRun& run) override
     {
-        Column left = {}, middle = {}, right = {};
-        f64 lastX = 0, lastY = 0;
-        bool hasLast = false;
+        if (IsPixelRow(run)) {
+            MapPixelRow(run);
+            return;
+        }
         for (u32 i = 0; i < run.count; ++i) {
-            if (run.isLost[i]) continue;
-            const f64 x = run.x[i], y = run.y[i];
-            const bool isNext = hasLast && y == lastY && x == lastX + 1 && x - 1 == lastX;
-            left = isNext ? middle : ColumnAt(x - 1, y);
-            middle = isNext ? right : ColumnAt(x, y);
-            right = ColumnAt(x + 1, y);
-            Displace(x, y, left, middle, right, &run.x[i], &run.y[i]);
-            lastX = x;
-            lastY = y;
-            hasLast = true;
+            if (!run.isLost[i]) MapPoint(run.x[i], run.y[i], &run.x[i], &run.y[i]);
         }
     }
 
@@ -55,6 +47,23 @@ private:
         const f64 place = x / scaleX;
         return {noise.Noise2(place, (y - 1) / scaleY), noise.Noise2(place, y / scaleY),
                 noise.Noise2(place, (y + 1) / scaleY)};
+    }
+
+    // Pixels beside each other share two of their three columns: three rows of noise have all that is needed.
+    void MapPixelRow(PointRun& run)
+    {
+        f64 places[PointRun::kMost + 2], noiseOfRow[3][PointRun::kMost + 2];
+        const u32 count = run.count, columns = count + 2;
+        places[0] = (run.x[0] - 1) / scaleX;
+        for (u32 i = 0; i < count; ++i) places[i + 1] = run.x[i] / scaleX;
+        places[count + 1] = (run.x[count - 1] + 1) / scaleX;
+        for (i32 j = 0; j < 3; ++j) {
+            Kernels<PerlinKernels>().level(noise, places, (run.y[0] + (j - 1)) / scaleY, noiseOfRow[j], columns);
+        }
+        const auto column = [&](u32 i) { return Column{noiseOfRow[0][i], noiseOfRow[1][i], noiseOfRow[2][i]}; };
+        for (u32 i = 0; i < count; ++i) {
+            Displace(run.x[i], run.y[i], column(i), column(i + 1), column(i + 2), &run.x[i], &run.y[i]);
+        }
     }
 
     // x by the slope along y and y by the one along x, unlike a relief, where points would flow down.

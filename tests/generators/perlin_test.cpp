@@ -1,12 +1,14 @@
-#include "generators/perlin.h"
+#include "generators/perlin.kernels.h"
 
 #include "plain/plain_perlin.h"
 #include "runtime/random.h"
 #include "support/bytes.h"
+#include "support/targets.h"
 
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <vector>
 
 namespace zlv {
 namespace {
@@ -86,6 +88,44 @@ TEST(Perlin, EveryDimensionEqualsPlain)
             for (const f64 z : {0.5, -7.25, x}) {
                 const f64 v[3] = {x, y, z};
                 EXPECT_TRUE(IsSame(noise.Noise3(v), plain.Noise3(x, y, z))) << x << " " << y << " " << z;
+            }
+        }
+    }
+}
+
+// Rows of the plane: from many points a cell to many cells between two points, over the seam and over the last cell.
+TEST(Perlin, EveryTargetsLevelsEqualPlain)
+{
+    PerlinNoise noise = BuiltFrom(7);
+    const PlainPerlin plain = PlainFrom(7);
+    const struct {
+        const char* shows;
+        f64 first, step;
+    } rows[] = {
+        {"wide cells", -1.3, 0.01},
+        {"cells of a few points", 250.1, 0.13},
+        {"a cell a point", 3.5, 1.01},
+        {"many cells between two points", 0.25, 17.3},
+        {"to the left", 20.5, -0.03},
+        {"to the left in steps", 20.5, -1.7},
+        {"over the seam", -4100, 0.05},
+        {"one point again and again", 4.6, 0},
+        {"beyond all whole numbers", 1e17, 3e15},
+        {"infinite", kInfinity, 0},
+        {"no number", kNaN, 0},
+    };
+    for (const Target target : zlvtest::RunnableTargets()) {
+        const zlvtest::ScopedTarget forced(target);
+        for (const auto& row : rows) {
+            for (const f64 y : {0.5, -3.25, 255.9, -4096.5, 1e19, kInfinity}) {
+                for (const size_t count : {1u, 2u, 17u, 255u, 258u, 600u}) {
+                    SCOPE(row.shows, u32(target), y, count);
+                    std::vector<f64> x(count), found(count + 1, 99.0);
+                    for (size_t i = 0; i < count; ++i) x[i] = row.first + row.step * f64(i);
+                    Kernels<PerlinKernels>().level(noise, x.data(), y, found.data(), count);
+                    for (size_t i = 0; i < count; ++i) ASSERT_TRUE(IsSame(found[i], plain.Noise2(x[i], y))) << i;
+                    ASSERT_EQ(found[count], 99.0);
+                }
             }
         }
     }

@@ -95,13 +95,15 @@ constexpr PlainGlass kGlass = {6, 5, 2, 3, false, 0.7, 0.3, 0.02};
 TEST(PerlinPoints, EveryTargetEqualsPlain)
 {
     ExpectEachEqualsPlain({Perlin(5, 10, 7), Perlin(-3.5, 0.3, -4), Perlin(0, 5, 5), Perlin(1e6, 3, 3),
-                           Perlin(kNaN, 3, 3), Perlin(2, kInfinity, 3), Perlin(2, 3, kNaN), Perlin(2, 1e-300, 3)});
+                           Perlin(kNaN, 3, 3), Perlin(2, kInfinity, 3), Perlin(2, 3, kNaN), Perlin(2, 1e-300, 3),
+                           Perlin(5, 40, 30), Perlin(5, -70, 30)});
 }
 
 TEST(MarblePoints, EveryTargetEqualsPlain)
 {
     ExpectEachEqualsPlain({Marble(1, 10, 7), Marble(-3.5, 0.3, -4), Marble(0, 5, 5), Marble(1e6, 3, 30),
-                           Marble(kNaN, 3, 3), Marble(2, kInfinity, 3), Marble(2, 3, kNaN), Marble(2, 1e-300, 3)});
+                           Marble(kNaN, 3, 3), Marble(2, kInfinity, 3), Marble(2, 3, kNaN), Marble(2, 1e-300, 3),
+                           Marble(2, 40, 30), Marble(2, -70, 30)});
 }
 
 TEST(GlassBlock, EveryTargetEqualsPlain)
@@ -125,6 +127,20 @@ TEST(GlassBlock, EveryTargetEqualsPlain)
     with([](PlainGlass& glass) { glass.tileWidth = glass.tileHeight = 100; });
     with([](PlainGlass& glass) { glass.tileWidth = 1; });
     ExpectEachEqualsPlain(cases);
+}
+
+// What comes from another warp is a row of pixels no more, or one between the pixels.
+TEST(NoisePoints, RowsOfAnotherWarpEqualPlain)
+{
+    OnEveryTarget([] {
+        for (const WarpCase& warp : {Perlin(3, 40, 5), Marble(2, 40, 5)}) {
+            for (const WarpCase& first :
+                 {Shift(0.25, 7.5), Shift(0.1, 0), Shift(-3, 1), Shift(1e17, 0), Marble(2, 9, 0.3)}) {
+                SCOPE(first.name, warp.name);
+                ExpectChainEqualsPlain({first, warp}, {270, 5, 3});
+            }
+        }
+    });
 }
 
 // Beyond the picture, beyond the noise's seam, beyond all integers.
