@@ -120,53 +120,60 @@ void Nearest(const SampledRun& run)
 
 // ---- Points amid the picture ------------------------------------------------------------------------------------
 
-// The pixels around a point, from kBefore before it to kBehind behind it along both axes, where all of them are inside
-// and four bytes can be read at each.
-struct Block {
-    const u8* first = nullptr;  // null where the point is none of these
-    f64 fractionX = 0, fractionY = 0;
+// A whole number added to a larger one may be rounded to the next pixel's.
+constexpr f64 kMostFraction = 1 - 0x1p-20;
+
+// No offset wraps, and the coordinates of all pixels are far less precise than these fractions.
+bool IsCountable(const SampledRun& run)
+{
+    return run.srcBytes <= u64(1) << 32 && run.width < 1u << 31 && run.height < 1u << 31;
+}
+
+// Along one axis, of some points: the pixel before each, or kOutside where not all of the pixels from kBefore before the
+// point to kBehind behind it are inside, and how far it is from there.
+template <i32 kPixelsBefore, i32 kPixelsBehind>
+struct AmidPlaces {
+    static constexpr i32 kBefore = kPixelsBefore, kBehind = kPixelsBehind;
+
+    i32 pixels[kPointsTogether];
+    f64 fractions[kPointsTogether];
+
+    AmidPlaces(const f64* coordinates, u32 count, u32 size)
+    {
+        const f64 end = f64(size) - kBehind;
+        for (u32 i = 0; i < count; ++i) {
+            const f64 v = coordinates[i];
+            const bool isAmid = (v >= kBefore) & (v < end);
+            const f64 place = isAmid ? v : 0;
+            const i32 pixel = i32(place);
+            fractions[i] = place - pixel;
+            pixels[i] = (isAmid & (fractions[i] <= kMostFraction)) ? pixel : kOutside;
+        }
+    }
 };
 
-template <u32 kBefore, u32 kBehind>
-class Blocks {
-public:
-    explicit Blocks(const SampledRun& run)
-        : run_(run),
-          right_(f64(run.width) - kBehind),
-          bottom_(f64(run.height) - kBehind),
-          reach_((kBefore + kBehind) * (u64(run.srcStride) + run.channels) + 4),
-          bytes_(IsCountable(run) ? run.srcBytes : 0)
-    {
+// Writes a run of pixels. Points amid the picture, with kRead bytes to be read at the first pixel of each of their rows,
+// go through make(columns, rows, i, first, to) with the places of some points, of which it is number i; all others
+// through makeAny(i, to).
+template <u32 kChannels, class Places, u32 kRead, class Make, class MakeAny>
+void ForPointsAmid(const SampledRun& run, Make make, MakeAny makeAny)
+{
+    if (kChannels == 0 || !IsCountable(run)) return ForPixels<kChannels>(run, makeAny);
+    constexpr i32 kBefore = Places::kBefore;
+    const u64 reach = u64(kBefore + Places::kBehind) * run.srcStride + kRead;
+    u8* to = run.to;
+    for (u32 from = 0; from < run.count; from += kPointsTogether) {
+        const u32 count = run.count - from < kPointsTogether ? run.count - from : kPointsTogether;
+        const Places columns(run.x + from, count, run.width), rows(run.y + from, count, run.height);
+        for (u32 i = 0; i < count; ++i, to += kChannels) {
+            const i32 column = columns.pixels[i], row = rows.pixels[i];
+            const u64 offset = u64(row - kBefore) * run.srcStride + u64(column - kBefore) * kChannels;
+            const bool isAmid = !run.isLost[from + i] && (column | row) >= 0 && offset + reach <= run.srcBytes;
+            if (isAmid) make(columns, rows, i, run.src + offset, to);
+            else makeAny(from + i, to);
+        }
     }
-
-    Block At(u32 i) const
-    {
-        const f64 x = run_.x[i], y = run_.y[i];
-        Block block;
-        if (!(x >= kBefore && x < right_ && y >= kBefore && y < bottom_) || run_.isLost[i]) return block;
-        const u64 column = u64(i64(x)), row = u64(i64(y));
-        block.fractionX = x - f64(i64(column));
-        block.fractionY = y - f64(i64(row));
-        if (block.fractionX > kMostFraction || block.fractionY > kMostFraction) return block;
-        const u64 offset = (row - kBefore) * run_.srcStride + (column - kBefore) * run_.channels;
-        if (offset + reach_ <= bytes_) block.first = run_.src + offset;
-        return block;
-    }
-
-private:
-    // No offset wraps, and the coordinates of all pixels are far less precise than the fractions below.
-    static bool IsCountable(const SampledRun& run)
-    {
-        return run.srcBytes <= u64(1) << 32 && run.width < 1u << 31 && run.height < 1u << 31;
-    }
-
-    // A whole number added to a larger one may be rounded to the next pixel's.
-    static constexpr f64 kMostFraction = 1 - 0x1p-20;
-
-    const SampledRun& run_;
-    const f64 right_, bottom_;
-    const u64 reach_, bytes_;
-};
+}
 
 // ---- Bilinear ---------------------------------------------------------------------------------------------------
 
@@ -220,15 +227,15 @@ template <u32 kChannels>
 template <u32 kChannels>
 void Bilinear(const SampledRun& run)
 {
-    const Blocks<0, 1> blocks(run);
-    ForPixels<kChannels>(run, [&](u32 i, u8* to) {
-        const Block block = kChannels ? blocks.At(i) : Block();
-        if (!block.first) return WriteLinear<kChannels>(run, i, to);
-        const u8* const below = block.first + run.srcStride;
-        const Quad taps[4] = {Quad::Of(block.first), Quad::Of(block.first + kChannels), Quad::Of(below + kChannels),
+    using Places = AmidPlaces<0, 1>;
+    constexpr u32 kRead = 8;
+    const auto make = [&](const Places& columns, const Places& rows, u32 i, const u8* first, u8* to) {
+        const u8* const below = first + run.srcStride;
+        const Quad taps[4] = {Quad::Of(first), Quad::Of(first + kChannels), Quad::Of(below + kChannels),
                               Quad::Of(below)};
-        MixLinear(taps, block.fractionX, block.fractionY).Write(to, kChannels);
-    });
+        MixLinear(taps, columns.fractions[i], rows.fractions[i]).Write(to, kChannels);
+    };
+    ForPointsAmid<kChannels, Places, kRead>(run, make, [&](u32 i, u8* to) { WriteLinear<kChannels>(run, i, to); });
 }
 
 // ---- Bicubic ----------------------------------------------------------------------------------------------------
@@ -288,21 +295,33 @@ template <u32 kChannels>
     });
 }
 
+// The weights of some points are computed together: the compiler makes vectors of that.
+struct CubicPlaces : AmidPlaces<1, 2> {
+    f64 weights[4][kPointsTogether];
+
+    CubicPlaces(const f64* coordinates, u32 count, u32 size) : AmidPlaces(coordinates, count, size)
+    {
+        for (u32 i = 0; i < count; ++i) {
+            const CubicWeights cubic(fractions[i]);
+            weights[0][i] = cubic.first;
+            weights[1][i] = cubic.second;
+            weights[2][i] = cubic.third;
+            weights[3][i] = cubic.fourth;
+        }
+    }
+
+    CubicWeights WeightsOf(u32 i) const { return {weights[0][i], weights[1][i], weights[2][i], weights[3][i]}; }
+};
+
 template <u32 kChannels>
 void Bicubic(const SampledRun& run)
 {
-    const Blocks<1, 2> blocks(run);
-    ForPixels<kChannels>(run, [&](u32 i, u8* to) {
-        const Block block = kChannels ? blocks.At(i) : Block();
-        if (!block.first) return WriteCubic<kChannels>(run, i, to);
-        const CubicWeights across(block.fractionX), down(block.fractionY);
-        const auto sumOf = [&](u32 row) {
-            const u8* const four = block.first + size_t(row) * run.srcStride;
-            return across.Sum(Quad::Of(four), Quad::Of(four + kChannels), Quad::Of(four + 2 * kChannels),
-                              Quad::Of(four + 3 * kChannels));
-        };
-        (down.Sum(sumOf(0), sumOf(1), sumOf(2), sumOf(3)) + 0.5).Write(to, kChannels);
-    });
+    const auto make = [&](const CubicPlaces& columns, const CubicPlaces& rows, u32 i, const u8* first, u8* to) {
+        const Quad sum = CubicSum<kChannels>(columns.WeightsOf(i), rows.WeightsOf(i), first, run.srcStride);
+        (sum + 0.5).Write(to, kChannels);
+    };
+    ForPointsAmid<kChannels, CubicPlaces, kCubicRowBytes>(run, make,
+                                                          [&](u32 i, u8* to) { WriteCubic<kChannels>(run, i, to); });
 }
 
 // ---- Points that have not moved ---------------------------------------------------------------------------------
