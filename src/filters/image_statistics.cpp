@@ -71,23 +71,31 @@ struct ChannelTotals {
     u64 squares[kMaxMaskedChannels] = {};
 };
 
-// Calls add(samples, count) for the whole image, with counts up to that of the lanes, and flush() after as many of them
-// as short lanes can hold, and at last.
+// Calls add(lines) for the whole image, with lines of `lanes` samples and shorter last ones, and flush() after as many of
+// them as short lanes can hold, and at last.
 template <class Add, class Flush>
 void ForLanes(const ImageView<const u8>& image, size_t lanes, Add add, Flush flush)
 {
+    u32 room = kMostAdditions;
+    const auto addLines = [&](const u8* samples, size_t width, u64 lines) {
+        while (lines > 0) {
+            const size_t count = size_t(std::min<u64>(lines, room));
+            add(SampleLines{samples, width, count});
+            samples += count * width;
+            lines -= count;
+            room -= u32(count);
+            if (room > 0) continue;
+            flush();
+            room = kMostAdditions;
+        }
+    };
     // Rows without padding between them are one long row.
     const u64 count = image.IsContiguous() ? u64(image.SamplesPerRow()) * image.height : image.SamplesPerRow();
     const u32 rows = image.IsContiguous() ? 1 : image.height;
-    u32 additions = 0;
     for (u32 y = 0; y < rows; ++y) {
-        const u8* const row = image.Row(y);
-        for (u64 start = 0; start < count; start += lanes) {
-            add(row + start, size_t(std::min<u64>(count - start, lanes)));
-            if (++additions < kMostAdditions) continue;
-            flush();
-            additions = 0;
-        }
+        const u64 whole = count / lanes, rest = count % lanes;
+        addLines(image.Row(y), lanes, whole);
+        if (rest > 0) addLines(image.Row(y) + whole * lanes, size_t(rest), 1);
     }
     flush();
 }
@@ -108,8 +116,8 @@ ChannelTotals AddSamples(const ImageView<const u8>& image)
     const size_t lanes = LanesOf(image);
     LaneSums<u16> sums;
     sums.Start(lanes);
-    const auto add = [&](const u8* samples, size_t count) {
-        Kernels<ImageStatisticsKernels>().addSamples(samples, count, sums.Lanes());
+    const auto add = [&](const SampleLines& lines) {
+        Kernels<ImageStatisticsKernels>().addSamples(lines, sums.Lanes());
     };
     ForLanes(image, lanes, add, [&] { sums.Flush(); });
     ChannelTotals totals;
@@ -124,8 +132,8 @@ ChannelTotals AddSamplesAndSquares(const ImageView<const u8>& image)
     LaneSums<u32> squares;
     sums.Start(lanes);
     squares.Start(lanes);
-    const auto add = [&](const u8* samples, size_t count) {
-        Kernels<ImageStatisticsKernels>().addSquares(samples, count, sums.Lanes(), squares.Lanes());
+    const auto add = [&](const SampleLines& lines) {
+        Kernels<ImageStatisticsKernels>().addSquares(lines, sums.Lanes(), squares.Lanes());
     };
     const auto flush = [&] {
         sums.Flush();
