@@ -143,8 +143,8 @@ void Register(const std::string& name, Run run, int repetitions)
 // Of work that takes this long: many where they are cheap. The whole table is to take minutes.
 int RepetitionsOf(const BenchRow& row, const Work& work)
 {
-    constexpr f64 kSeconds = 0.4, kSecondsOfShortRun = 0.015;
-    constexpr int kFewest = 4, kMost = 25;
+    constexpr f64 kSeconds = 0.2, kSecondsOfShortRun = 0.015;
+    constexpr int kFewest = 3, kMost = 12;
     Memory memory(row);
     const auto start = std::chrono::steady_clock::now();
     work(memory.Pointers());

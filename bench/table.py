@@ -2,9 +2,9 @@
 
     table.py <raw.json> <targets.toml> <results.json> [<exports.txt>]
 
-A figure is the fastest of all repetitions. At the top stands what to do next: rows more than twice as slow as their peer,
-the worst first. With a list of all exports, it is a mistake when one of them has no row; [without_row] in targets.toml
-names those whose cost is worth none.
+A figure is the fastest of all repetitions. At the top stands what to do next: rows more than twice as slow as their
+peer, the worst first. With a list of all exports, it is a mistake when one of them has no row; [without_row] in
+targets.toml names those whose cost is worth none.
 """
 
 import json
@@ -30,6 +30,14 @@ def fastest_runs(raw):
     return runs
 
 
+def verdict_of(ns, to_peer, goal):
+    """Beside the peer where it has been measured here and there: machines differ."""
+    if goal is None:
+        return None
+    is_reached = ns <= goal["ns"] if None in (to_peer, goal.get("peer")) else to_peer <= goal["ns"] / goal["peer"]
+    return "reached" if is_reached else "missed"
+
+
 def make_rows(runs, wanted):
     rows = []
     for name, run in runs.items():
@@ -39,7 +47,7 @@ def make_rows(runs, wanted):
         target, unit = run["label"].split()
         pixels, size = run["pixels"], run["bytes"]
         peer, copy = runs.get(row_name + "/peer"), runs[f"memcpy/{size:.0f}"]
-        ours = run["ns"] / pixels
+        ours, to_peer = run["ns"] / pixels, run["ns"] / peer["ns"] if peer else None
         goal = None if forced else wanted.get(row_name)
         rows.append({
             "name": name,
@@ -50,11 +58,12 @@ def make_rows(runs, wanted):
             "ns": ours,
             "peer": peer["label"] if peer else None,
             "peer_ns": peer["ns"] / pixels if peer else None,
-            "to_peer": run["ns"] / peer["ns"] if peer else None,
+            "to_peer": to_peer,
             "memcpy_ns": copy["ns"] / pixels,
             "to_memcpy": run["ns"] / copy["ns"],
-            "wanted_ns": goal,
-            "verdict": None if goal is None else "reached" if ours <= goal else "missed",
+            "wanted_ns": goal and goal["ns"],
+            "wanted_to_peer": goal["ns"] / goal["peer"] if goal and "peer" in goal else None,
+            "verdict": verdict_of(ours, to_peer, goal),
         })
     return sorted(rows, key=lambda row: row["name"].replace("/target=", "/~"))
 
@@ -102,10 +111,11 @@ def next_lines(rows):
 
 def all_lines(rows):
     lines = [(row["name"], number(row["ns"]), row["unit"], row["peer"] or "-", number(row["peer_ns"]),
-              number(row["to_peer"], 2), number(row["to_memcpy"], 2), number(row["wanted_ns"]), row["verdict"] or "")
+              number(row["to_peer"], 2), number(row["to_memcpy"], 2), number(row["wanted_ns"]),
+              number(row["wanted_to_peer"], 2), row["verdict"] or "")
              for row in rows]
-    return table_lines(("row", "ours ns", "a", "peer", "peer ns", "ours/peer", "ours/memcpy", "wanted ns", ""), lines,
-                       (0, 2, 3, 8))
+    heads = ("row", "ours ns", "a", "peer", "peer ns", "ours/peer", "ours/memcpy", "wanted ns", "wanted/peer", "")
+    return table_lines(heads, lines, (0, 2, 3, 9))
 
 
 def main():
@@ -114,19 +124,19 @@ def main():
     raw_file, targets_file, results_file, *exports_file = map(pathlib.Path, sys.argv[1:])
     raw = json.loads(raw_file.read_text())
     targets = tomllib.loads(targets_file.read_text())
-    rows = make_rows(fastest_runs(raw), targets["wanted_ns"])
+    rows = make_rows(fastest_runs(raw), targets["wanted"])
     if not rows:
         sys.exit("no row was measured")
     context = {key: raw["context"].get(key) for key in ("date", "num_cpus", "mhz_per_cpu", "load_avg")}
     results = {"machine": context, "next": [row["name"] for row in slow_rows(rows)], "rows": rows}
     results_file.write_text(json.dumps(results, indent=1) + "\n")
     print("\n".join([*next_lines(rows), "", *all_lines(rows), "",
-                     f"Nanoseconds a pixel or what \"a\" says: the fastest of all repetitions, one thread unless the row"
-                     f" says otherwise. Written to {results_file}."]))
+                     "Nanoseconds a pixel or what \"a\" says: the fastest of all repetitions, on one thread unless the"
+                     f" row says otherwise. Written to {results_file}."]))
     if exports_file:
         exports = exports_file[0].read_text().split()
         missing = exports_without_row(exports, [row["name"] for row in rows], targets["without_row"])
-        missing += [f"{name}, which targets.toml names" for name in stale_names(rows, targets["wanted_ns"])]
+        missing += [f"{name}, which targets.toml names" for name in stale_names(rows, targets["wanted"])]
         if missing or not exports:
             sys.exit("There is no row of\n" + "\n".join(missing))
 

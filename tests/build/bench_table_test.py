@@ -28,7 +28,7 @@ RAW = {"benchmarks": [
     run("Median/rgb8", 1000), run("Median/rgb8/peer", 200, "cv::medianBlur"),
     run("memcpy/300", 30, ""), run("memcpy/32", 5, ""),
 ]}
-WANTED = {"Blur/rgb8": 3, "Invert/rgb8": 1.9}
+WANTED = {"Blur/rgb8": {"ns": 3}, "Invert/rgb8": {"ns": 1, "peer": 0.5}, "Median/rgb8": {"ns": 99, "peer": 20}}
 
 
 class Table(unittest.TestCase):
@@ -56,7 +56,15 @@ class Table(unittest.TestCase):
 
     def test_verdicts(self):
         verdicts = {name: row["verdict"] for name, row in self.rows.items() if row["verdict"]}
-        self.assertEqual(verdicts, {"Blur/rgb8": "reached", "Invert/rgb8": "missed"})
+        self.assertEqual(verdicts, {"Blur/rgb8": "reached", "Invert/rgb8": "reached", "Median/rgb8": "missed"})
+
+    def test_a_goal_is_a_ratio_where_the_peer_is_known_and_else_a_time(self):
+        verdict_of = self.table.verdict_of
+        self.assertEqual(verdict_of(9, 1.5, {"ns": 3, "peer": 2}), "reached")
+        self.assertEqual(verdict_of(1, 1.6, {"ns": 3, "peer": 2}), "missed")
+        self.assertEqual(verdict_of(3, 9, {"ns": 3}), "reached")
+        self.assertEqual(verdict_of(3.1, None, {"ns": 3, "peer": 2}), "missed")
+        self.assertIsNone(verdict_of(3, 1, None))
 
     def test_a_unit_of_its_own(self):
         row = self.rows["Hash/call"]
@@ -75,14 +83,16 @@ class Table(unittest.TestCase):
     def test_a_line_has_the_row_the_peer_and_both_ratios(self):
         [line] = [line for line in self.table.all_lines(self.rows.values()) if line.startswith("Blur/rgb8 ")]
         self.assertEqual(line.split(), ["Blur/rgb8", "3.0000", "px", "cv::blur", "1.0000", "3.00", "10.00", "3.0000",
-                                        "reached"])
+                                        "-", "reached"])
 
     def test_exports_without_a_row_are_named(self):
-        missing = self.table.exports_without_row(["ZLV40_Blur", "ZLV40_BlurMore", "ZLV40_Exit"], self.rows, {"Exit": ""})
+        exports = ["ZLV40_Blur", "ZLV40_BlurMore", "ZLV40_Exit"]
+        missing = self.table.exports_without_row(exports, self.rows, {"Exit": ""})
         self.assertEqual(missing, ["ZLV40_BlurMore"])
 
     def test_goals_without_a_row_are_named(self):
-        self.assertEqual(self.table.stale_names(self.rows.values(), {**WANTED, "Blur/gray8": 1}), ["Blur/gray8"])
+        stale = self.table.stale_names(self.rows.values(), {**WANTED, "Blur/gray8": {"ns": 1}})
+        self.assertEqual(stale, ["Blur/gray8"])
 
 
 class Coverage(unittest.TestCase):
