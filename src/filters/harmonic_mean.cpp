@@ -6,6 +6,7 @@
 #include "base/running_extremes.h"
 #include "filters/doubtful_samples.h"
 #include "filters/power_means.kernels.h"
+#include "filters/reciprocal_counts.h"
 #include "filters/window_sums.h"
 
 #include "zlv40.h"
@@ -19,11 +20,9 @@ public:
     explicit HarmonicMean(const WindowCall& call)
         : call_(call),
           channels_(call.Selected()),
-          sums_(call, TableCounts{reciprocals_}),
+          sums_(call, TableCounts{reciprocals_.values}),
           smallest_(call.src, call.Radius(), Extreme::Smallest)
     {
-        reciprocals_[0] = 1;  // any number above 0: its windows are found by their smallest sample
-        for (u32 i = 1; i < 256; ++i) reciprocals_[i] = ((u64(1) << 32) + i / 2) / i;
     }
 
     // False when memory is out.
@@ -44,7 +43,7 @@ public:
             const size_t count = size_t(call_.src.width) * channels_.Count();
             const u64* const sums = sums_.Next();
             smallest_.Next(smallestRow_.GetData());
-            Kernels<PowerMeanKernels>().harmonicMeans(sums, call_.Area(), Band(), count, out, isDoubtful_.GetData());
+            Kernels<PowerMeanKernels>().reciprocalMeans(sums, Reciprocal(), count, out, isDoubtful_.GetData());
             if (!KeepDoubtOutsideZeros(smallestRow_.GetData(), count, out, isDoubtful_.GetData())) return;
             MakeDoubtfulSamples(isDoubtful_.GetData(), call_.src.width, channels_, out,
                                 [&](size_t, u32 x, u32 channel) { return OrderedMean(x, y, channel); });
@@ -52,10 +51,7 @@ public:
     }
 
 private:
-    // How far a mean from integers of reciprocals can be from the one in double precision. The former are off by 0.5
-    // each, in a sum of at least area * 2^32 / 255, which is 2^-25 of it. The latter, its reciprocals and its additions
-    // are off by 2^-53 of the sum each. Half a dozen further roundings are as good as nothing; means are below 256.
-    f64 Band() const { return 256 * (0x1p-25 + call_.Area() * 0x1p-53 + 0x1p-49); }
+    ReciprocalMean Reciprocal() const { return {f64(call_.Area()), 0.5, ReciprocalCounts::BandOf(call_.Area())}; }
 
     u8 OrderedMean(u32 x, u32 y, u32 channel) const
     {
@@ -73,7 +69,7 @@ private:
 
     const WindowCall& call_;
     const ChannelList channels_;
-    u64 reciprocals_[256];  // in 2^-32
+    const ReciprocalCounts reciprocals_;
     WindowSums<TableCounts> sums_;
     RunningExtremes smallest_;
     MVBuffer<u8> row_, smallestRow_, isDoubtful_;

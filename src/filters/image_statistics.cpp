@@ -71,8 +71,8 @@ struct ChannelTotals {
     u64 squares[kMaxMaskedChannels] = {};
 };
 
-// Calls add(lines) for the whole image, with lines of `lanes` samples and shorter last ones, and flush() after as many of
-// them as short lanes can hold, and at last.
+// Calls add(lines) for the whole image, with lines of `lanes` samples and shorter last ones, and flush() after as many
+// of them as short lanes can hold, and at last.
 template <class Add, class Flush>
 void ForLanes(const ImageView<const u8>& image, size_t lanes, Add add, Flush flush)
 {

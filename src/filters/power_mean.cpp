@@ -3,6 +3,10 @@
 // The sum of powers is meant in double precision, row by row. For the lower positive orders it is a whole number that a
 // double holds, whatever the order of additions, and the result goes up with it: sums that move along the image, and a
 // table that knows from which sum on each level is reached. For other orders the sums are made in their order.
+#include "base/repeated_sum.h"
+#include "base/running_extremes.h"
+#include "filters/doubtful_samples.h"
+#include "filters/reciprocal_counts.h"
 #include "filters/sum_filters.kernels.h"
 #include "filters/value_rows.h"
 #include "filters/window_sums.h"
@@ -165,6 +169,12 @@ public:
 
     void MakeRow(u32 y)
     {
+        MakeSelectedSamples(call_.dst, y, channels_, row_.GetData(), [&](u8* out) { MakeSamples(out); });
+    }
+
+    // The selected samples of the next row.
+    void MakeSamples(u8* out)
+    {
         const PowerMeanKernels& kernels = Kernels<PowerMeanKernels>();
         const size_t step = channels_.Count(), count = call_.src.width * step;
         f64* const sums = sums_.GetData();
@@ -174,9 +184,27 @@ public:
         kernels.divide(sums, root_.area, count, roots);
         PowArray(roots, root_.exponent, roots, count);
         for (size_t i = 0; i < count; ++i) roots[i] = sums[i] == 0 ? 0 : roots[i];
-        MakeSelectedSamples(call_.dst, y, channels_, row_.GetData(),
-                            [&](u8* out) { kernels.truncate(roots, count, out); });
+        kernels.truncate(roots, count, out);
     }
+
+    void SkipRow() { rows_.Skip(); }
+
+    // One sample.
+    u8 MakeSample(u32 x, u32 y, u32 channel) const
+    {
+        const i64 radius = call_.Radius(), lastX = i64(call_.src.width) - 1, lastY = i64(call_.src.height) - 1;
+        f64 sum = 0;
+        for (i64 j = y - radius; j <= y + radius; ++j) {
+            const u8* const row = call_.src.Row(u32(std::clamp<i64>(j, 0, lastY))) + channel;
+            for (i64 i = x - radius; i <= x + radius; ++i) {
+                sum += powers_[row[size_t(std::clamp<i64>(i, 0, lastX)) * call_.src.channels]];
+            }
+        }
+        return u8(root_.LevelOf(sum));
+    }
+
+    // That of a window of one level.
+    u8 FlatSample(u8 level) const { return u8(root_.LevelOf(AddRepeatedly(0, powers_[level], call_.Area()))); }
 
 private:
     const WindowCall& call_;
@@ -189,6 +217,87 @@ private:
     MVBuffer<u8> row_;
 };
 
+// Order -1: integers of reciprocals leave few samples in doubt. Flat windows always are, and those of some levels that
+// lie next to each other: where there are many of these, a row is made as it is meant.
+class ReciprocalPowerMean {
+public:
+    static constexpr u32 kLargestSide = 255;  // of windows whose samples are made one by one
+
+    explicit ReciprocalPowerMean(const WindowCall& call)
+        : call_(call),
+          ordered_(call, -1),
+          channels_(call.Selected()),
+          sums_(call, TableCounts{reciprocals_.values}),
+          smallest_(call.src, call.Radius(), Extreme::Smallest),
+          largest_(call.src, call.Radius(), Extreme::Largest)
+    {
+        for (u32 i = 0; i < 256; ++i) flatSamples_[i] = ordered_.FlatSample(u8(i));
+    }
+
+    [[nodiscard]] bool Start()
+    {
+        const u32 count = channels_.Count();
+        const u64 rowBytes = u64(call_.src.width) * count;
+        if (!ordered_.Start() || !sums_.Prepare(count)) return false;
+        if (!smallest_.Prepare(count) || !largest_.Prepare(count) || !row_.Resize(rowBytes)) return false;
+        if (!smallestRow_.Resize(rowBytes) || !largestRow_.Resize(rowBytes) || !isDoubtful_.Resize(rowBytes)) {
+            return false;
+        }
+        sums_.Start(channels_);
+        smallest_.Start(channels_);
+        largest_.Start(channels_);
+        return true;
+    }
+
+    void MakeRow(u32 y)
+    {
+        MakeSelectedSamples(call_.dst, y, channels_, row_.GetData(), [&](u8* out) {
+            constexpr size_t kFew = 64;  // one of so many
+            const size_t count = size_t(call_.src.width) * channels_.Count();
+            const size_t doubtful = MakeMostSamples(count, out);
+            if (doubtful > count / kFew) {
+                ordered_.MakeSamples(out);
+                return;
+            }
+            ordered_.SkipRow();
+            if (doubtful == 0) return;
+            MakeDoubtfulSamples(isDoubtful_.GetData(), call_.src.width, channels_, out,
+                                [&](size_t, u32 x, u32 channel) { return ordered_.MakeSample(x, y, channel); });
+        });
+    }
+
+private:
+    // Returns how many are still in doubt.
+    size_t MakeMostSamples(size_t count, u8* out)
+    {
+        const u64* const sums = sums_.Next();
+        smallest_.Next(smallestRow_.GetData());
+        largest_.Next(largestRow_.GetData());
+        u8* const isDoubtful = isDoubtful_.GetData();
+        const ReciprocalMean mean = {f64(call_.Area()), 0, ReciprocalCounts::BandOf(call_.Area())};
+        Kernels<PowerMeanKernels>().reciprocalMeans(sums, mean, count, out, isDoubtful);
+        if (!KeepDoubtOutsideZeros(smallestRow_.GetData(), count, out, isDoubtful)) return 0;
+        size_t doubtful = 0;
+        for (size_t i = 0; i < count; ++i) {
+            if (!isDoubtful[i]) continue;
+            const u8 smallest = smallestRow_[i];
+            isDoubtful[i] = smallest != largestRow_[i];
+            if (isDoubtful[i]) ++doubtful;
+            else out[i] = flatSamples_[smallest];
+        }
+        return doubtful;
+    }
+
+    const WindowCall& call_;
+    OrderedPowerMean ordered_;
+    const ChannelList channels_;
+    const ReciprocalCounts reciprocals_;
+    u8 flatSamples_[256];  // of windows of one level
+    WindowSums<TableCounts> sums_;
+    RunningExtremes smallest_, largest_;
+    MVBuffer<u8> row_, smallestRow_, largestRow_, isDoubtful_;
+};
+
 }  // namespace
 
 ZLV_EXPORT u32 ZLV40_YpMeanFilter(const u8* src, u32 width, u32 height, u8* dst, u32 bytesPerPixel, u32 srcRowStride,
@@ -199,6 +308,9 @@ ZLV_EXPORT u32 ZLV40_YpMeanFilter(const u8* src, u32 width, u32 height, u8* dst,
         if (order == 1 && call.Side() <= kLargestSideOfSum) return RunLinearMean(frame, call);
         if (order == 2 && call.Side() <= kLargestSideOfSquares) return RunQuadraticMean(frame, call);
         if (HasWholeLevels(call.Area(), order)) return RunWholePowerMean(frame, call, order);
+        if (order == -1 && call.Side() <= ReciprocalPowerMean::kLargestSide) {
+            return RunOverRows(frame, call, ReciprocalPowerMean(call));
+        }
         return RunOverRows(frame, call, OrderedPowerMean(call, order));
     });
 }

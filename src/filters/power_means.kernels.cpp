@@ -106,13 +106,13 @@ void QuadraticMeans(const u32* __restrict sums, f64 area, size_t count, u8* __re
     }
 }
 
-void HarmonicMeans(const u64* __restrict sums, f64 area, f64 band, size_t count, u8* __restrict out,
-                   u8* __restrict isDoubtful)
+void ReciprocalMeans(const u64* __restrict sums, const ReciprocalMean& reciprocal, size_t count, u8* __restrict out,
+                     u8* __restrict isDoubtful)
 {
     constexpr f64 kRounding = 0x1p52;  // a number added to this is rounded to an integer
-    const f64 scaledArea = area * 0x1p32;
+    const f64 scaledArea = reciprocal.area * 0x1p32, half = reciprocal.half, band = reciprocal.band;
     for (size_t i = 0; i < count; ++i) {
-        const f64 mean = scaledArea / f64(i64(sums[i])) + 0.5;
+        const f64 mean = scaledArea / f64(i64(sums[i])) + half;
         const f64 distance = mean - ((mean + kRounding) - kRounding);
         isDoubtful[i] = (distance < band) & (distance > -band);
         out[i] = Truncated(mean);
@@ -122,6 +122,6 @@ void HarmonicMeans(const u64* __restrict sums, f64 area, f64 band, size_t count,
 }  // namespace
 
 extern const PowerMeanKernels kPowerMeanKernels;
-const PowerMeanKernels kPowerMeanKernels = {OrderedSums, Divide, Truncate, QuadraticMeans, HarmonicMeans};
+const PowerMeanKernels kPowerMeanKernels = {OrderedSums, Divide, Truncate, QuadraticMeans, ReciprocalMeans};
 
 }  // namespace zlv::ZLV_TARGET

@@ -12,6 +12,11 @@ inline constexpr size_t kOrderedSlack = 32;
 // The largest window whose sum of squares is a number of 32 bits with a sign.
 inline constexpr u32 kLargestSideOfSquares = 181;
 
+// area / sum + half, for sums in 2^-32, and how far another such mean may be away from it.
+struct ReciprocalMean {
+    f64 area, half, band;
+};
+
 struct PowerMeanKernels {
     // out[i] = the sum over rows, from left to right, of rows[j][i + k * step] for each k from 0 to reach; the first
     // and the last one count 1 + extra times.
@@ -27,9 +32,9 @@ struct PowerMeanKernels {
     // out[i] = the root of sums[i] / area, truncated. Sums of squares of windows up to kLargestSideOfSquares.
     void (*quadraticMeans)(const u32* sums, f64 area, size_t count, u8* out);
 
-    // out[i] = area / (sums[i] / 2^32) + 0.5, truncated. isDoubtful[i] tells whether another quotient within the band
-    // might give something else.
-    void (*harmonicMeans)(const u64* sums, f64 area, f64 band, size_t count, u8* out, u8* isDoubtful);
+    // out[i] = the mean of sums[i], truncated. isDoubtful[i] tells whether one within the band might give something
+    // else.
+    void (*reciprocalMeans)(const u64* sums, const ReciprocalMean& mean, size_t count, u8* out, u8* isDoubtful);
 };
 
 ZLV_DECLARE_KERNELS(PowerMeanKernels, kPowerMeanKernels);

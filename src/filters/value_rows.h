@@ -28,6 +28,9 @@ public:
         y_ = begunRows_ = 0;
     }
 
+    // Passes over the next row's windows.
+    void Skip() { ++y_; }
+
     // The rows of the next row's windows, from top to bottom. Valid until the next call.
     const f64* const* Next()
     {

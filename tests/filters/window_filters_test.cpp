@@ -205,6 +205,29 @@ TEST(WindowFilters, ByHand)
     }
 }
 
+// One window of a wide image whose mean is whole, and a level area: nearly all others are settled quickly.
+TEST(WindowFilters, AFewNearlyWholeMeansOfAWideRowEqualPlain)
+{
+    constexpr u32 kWidth = 600, kHeight = 9;
+    constexpr u8 kBlock[] = {2, 3, 6};  // whose reciprocals are 1 together
+    Bytes src = RandomBytes(kWidth * kHeight, 4);
+    for (u8& sample : src) sample = u8(sample | 64);
+    for (u32 y = 3; y < 6; ++y) {
+        for (u32 i = 0; i < 3; ++i) src[y * kWidth + 300 + i] = kBlock[(i + y) % 3];
+        for (u32 x = 400; x < 410; ++x) src[y * kWidth + x] = 81;
+    }
+    OnEveryTarget([&] {
+        for (const WindowFilter& filter : AllWindowFilters()) {
+            SCOPE(filter.name);
+            Bytes wanted(src.size()), got(src.size());
+            const WindowCase call = {src.data(), kWidth, kHeight, got.data(), 1, kWidth, kWidth, 3, 1};
+            filter.plain(call.Plain(wanted.data()));
+            EXPECT_EQ(filter.apply(call), 1u);
+            EXPECT_EQ(zlvtest::Difference(wanted.data(), got.data(), wanted.size()), "");
+        }
+    });
+}
+
 TEST(WindowFilters, AWindowOfOneGivesTheSampleItself)
 {
     Bytes all(256);
