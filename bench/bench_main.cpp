@@ -108,12 +108,13 @@ void Count(benchmark::State& state, size_t pixels, size_t bytes)
     state.counters["bytes"] = f64(bytes);
 }
 
-void RunWork(benchmark::State& state, const BenchRow& row, const Work& work, Target target, const std::string& label)
+void RunWork(benchmark::State& state, const BenchRow& row, const Work& work, Target target, const std::string& label,
+             bool warmsUp)
 {
     Memory memory(row);
     const Buffers buffers = memory.Pointers();
     activeTarget = target;
-    work(buffers);
+    if (warmsUp) work(buffers);
     for ([[maybe_unused]] auto _ : state) {
         work(buffers);
         benchmark::ClobberMemory();
@@ -140,33 +141,40 @@ void Register(const std::string& name, Run run, int repetitions)
     benchmark::RegisterBenchmark(name.c_str(), run)->Repetitions(repetitions);
 }
 
-// Of work that takes this long: many where they are cheap. The whole table is to take minutes.
-int RepetitionsOf(const BenchRow& row, const Work& work)
-{
-    constexpr f64 kSeconds = 0.2, kSecondsOfShortRun = 0.015;
-    constexpr int kFewest = 3, kMost = 12;
-    Memory memory(row);
-    const auto start = std::chrono::steady_clock::now();
-    work(memory.Pointers());
-    const std::chrono::duration<f64> taken = std::chrono::steady_clock::now() - start;
-    return std::clamp(int(kSeconds / std::max(2 * taken.count(), kSecondsOfShortRun)), kFewest, kMost);
-}
+// How work is measured that takes so long: often where it is cheap. The whole table is to take minutes.
+struct Plan {
+    int repetitions;
+    bool warmsUp;  // long runs do that by themselves
+
+    Plan(const BenchRow& row, const Work& work)
+    {
+        constexpr f64 kSeconds = 0.2, kSecondsOfShortRun = 0.015, kLongRun = 0.03, kVeryLongRun = 1;
+        constexpr int kFewest = 3, kMost = 12;
+        Memory memory(row);
+        const auto start = std::chrono::steady_clock::now();
+        work(memory.Pointers());
+        const f64 taken = std::chrono::duration<f64>(std::chrono::steady_clock::now() - start).count();
+        warmsUp = taken < kLongRun;
+        repetitions = std::clamp(int(kSeconds / std::max(taken, kSecondsOfShortRun)), kFewest, kMost);
+        if (taken > kVeryLongRun) repetitions = 1;
+    }
+};
 
 void RegisterRow(const BenchRow& row, const std::vector<Target>& targets)
 {
     const Target best = BestTarget();
-    const int repetitions = RepetitionsOf(row, row.ours);
+    const auto registerWork = [&](const std::string& name, const Work& work, Target target, const std::string& label) {
+        const Plan plan(row, work);
+        const auto run = [=](benchmark::State& state) { RunWork(state, row, work, target, label, plan.warmsUp); };
+        Register(name, run, plan.repetitions);
+    };
     const auto registerOurs = [&](const std::string& name, Target target) {
         const std::string label = std::string(kTargetNames[u32(target)]) + " " + row.unit;  // table.py reads both
-        Register(
-            name, [=](benchmark::State& state) { RunWork(state, row, row.ours, target, label); }, repetitions);
+        registerWork(name, row.ours, target, label);
     };
     registerOurs(row.name, best);
     for (const Target target : targets) registerOurs(row.name + "/target=" + kTargetNames[u32(target)], target);
-    if (!row.peer.work) return;
-    Register(
-        row.name + "/peer", [=](benchmark::State& state) { RunWork(state, row, row.peer.work, best, row.peer.name); },
-        RepetitionsOf(row, row.peer.work));
+    if (row.peer.work) registerWork(row.name + "/peer", row.peer.work, best, row.peer.name);
 }
 
 int Main(int argc, char** argv)
