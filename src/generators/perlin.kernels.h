@@ -1,4 +1,4 @@
-// Kernels of Perlin noise: pieces of rows of a plane through the three-dimensional field, and of the field of the plane.
+// Kernels of Perlin noise: pieces of rows of a plane through the three-dimensional field, and of the plane's own field.
 #pragma once
 
 #include "generators/perlin.h"

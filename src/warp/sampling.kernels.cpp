@@ -129,8 +129,8 @@ bool IsCountable(const SampledRun& run)
     return run.srcBytes <= u64(1) << 32 && run.width < 1u << 31 && run.height < 1u << 31;
 }
 
-// Along one axis, of some points: the pixel before each, or kOutside where not all of the pixels from kBefore before the
-// point to kBehind behind it are inside, and how far it is from there.
+// Along one axis, of some points: the pixel before each, or kOutside where not all of the pixels from kBefore before
+// the point to kBehind behind it are inside, and how far it is from there.
 template <i32 kPixelsBefore, i32 kPixelsBehind>
 struct AmidPlaces {
     static constexpr i32 kBefore = kPixelsBefore, kBehind = kPixelsBehind;
@@ -152,9 +152,9 @@ struct AmidPlaces {
     }
 };
 
-// Writes a run of pixels. Points amid the picture, with kRead bytes to be read at the first pixel of each of their rows,
-// go through make(columns, rows, i, first, to) with the places of some points, of which it is number i; all others
-// through makeAny(i, to).
+// Writes a run of pixels. Points amid the picture, with kRead bytes to be read at the first pixel of each of their
+// rows, go through make(columns, rows, i, first, to) with the places of some points, of which it is number i; all
+// others through makeAny(i, to).
 template <u32 kChannels, class Places, u32 kRead, class Make, class MakeAny>
 void ForPointsAmid(const SampledRun& run, Make make, MakeAny makeAny)
 {
