@@ -43,7 +43,7 @@ inline constexpr u32 kFullWidth = 1920;
 inline constexpr u32 kFullHeight = 1080;
 
 struct BenchRow {
-    std::string name;  // a path: function, layout, size, parameters
+    std::string name;  // a path: function without its prefix (table.py counts on it), layout, size, parameters
     Shape shape;       // of the image, which is filled with random bytes
     size_t outputBytes;
     Work ours;
