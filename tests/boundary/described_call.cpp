@@ -241,12 +241,6 @@ std::vector<std::uint32_t> ChannelCounts(const DescribedEffect& effect)
     return effect.channels.empty() ? std::vector<std::uint32_t>{1} : effect.channels;
 }
 
-void ClearLastError()
-{
-    std::uint8_t sample = 0;
-    EXPECT_EQ(ZLV40_InvertImage(&sample, 1, 1, 1, 1, 0), 1u);
-}
-
 const ExportRow& RowOf(std::string_view name)
 {
     static const ExportRow none = {.name = ""};

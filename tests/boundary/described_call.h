@@ -4,6 +4,7 @@
 #include "boundary/export_rows.h"
 #include "support/bytes.h"
 #include "support/guarded_buffer.h"
+#include "support/last_error.h"
 
 #include <memory>
 
@@ -91,9 +92,6 @@ private:
 
 // The counts with which an export is called; any one when it has no channels.
 std::vector<std::uint32_t> ChannelCounts(const DescribedEffect& effect);
-
-// Makes the last error 0: some exports leave an earlier code as it is.
-void ClearLastError();
 
 // Runs check(call, what, error) for every way to break one argument whose answer is described as refused.
 template <class Check>

@@ -3,6 +3,7 @@
 
 #include "plain/plain_adaptive.h"
 #include "support/bytes.h"
+#include "support/last_error.h"
 #include "support/progress_recorder.h"
 #include "support/targets.h"
 
@@ -65,11 +66,5 @@ public:
 private:
     std::size_t cancelAt_;
 };
-
-inline void ClearLastError()
-{
-    std::uint8_t sample = 0;
-    EXPECT_EQ(ZLV40_InvertImage(&sample, 1, 1, 1, 1, 0), 1u);
-}
 
 }  // namespace zlvtest
