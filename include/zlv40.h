@@ -998,8 +998,8 @@ ZLV40_API uint32_t ZLV40_TophatGray(const uint8_t* src, uint32_t width, uint32_t
 
 /* Writes the difference of dilation and erosion, modulo 256: an element with negative entries may give differences
  * below 0. A NULL pointer gives 0 with ZLV40_ERROR_BAD_ARGUMENT, an element of an even size gives 0 and no code
- * (nothing is written), as a step without memory does, and a cancel gives 0 with ZLV40_ERROR_CANCELLED; rows done so far
- * stay. For the rest see "Gray morphology". */
+ * (nothing is written), as a step without memory does, and a cancel gives 0 with ZLV40_ERROR_CANCELLED; rows done so
+ * far stay. For the rest see "Gray morphology". */
 #define ZLV40_MorphoGradientGray _ZLV40_MorphoGradientGray
 ZLV40_API uint32_t ZLV40_MorphoGradientGray(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcRowStride,
                                             const uint32_t* element, uint32_t elementSize, uint8_t* dst,
