@@ -20,7 +20,6 @@ using namespace zlv;
 
 namespace {
 
-constexpr u32 kColours = 3;
 constexpr u32 kChannels = 4;
 constexpr f64 kSizePerSigma = 2.5;
 constexpr u32 kFirstChannel = 1;
@@ -116,25 +115,6 @@ u32 GlowOutside(CallFrame& frame, const Glow& glow)
 
 // ---- The tint ---------------------------------------------------------------------------------------------------
 
-// A pixel of alpha `p` under a tint of alpha `a`, above 0: the tint's share of the colours.
-u32 ShareOf(u32 a, u32 p)
-{
-    const u32 t = (255 - a) * p / 255 + a;
-    return a * 255 / t;
-}
-
-void TintRow(u8* pixels, const u8* tints, u32 width, const u8* byOpacity, u32 color)
-{
-    for (u32 x = 0; x < width; ++x, pixels += kChannels) {
-        const u32 a = byOpacity[tints[x]], p = pixels[kColours];
-        if (p == 0 || a == 0) continue;
-        const u32 share = ShareOf(a, p);
-        for (u32 c = 0; c < kColours; ++c) {
-            pixels[c] = u8((pixels[c] * (255 - share) + u8(color >> (8 * c)) * share) / 255);
-        }
-    }
-}
-
 u32 GlowInside(CallFrame& frame, const Glow& glow)
 {
     const ImageView<u8>& image = glow.image;
@@ -144,13 +124,13 @@ u32 GlowInside(CallFrame& frame, const Glow& glow)
     Invert(outside);
     if (!Blur(frame, glow, outside.Data(), tint.Data())) return frame.Fail(Error::OutOfMemory);
 
-    u8 defaultCurve[256], byOpacity[256];
-    for (u32 i = 0; i < 256; ++i) defaultCurve[i] = u8(DefaultCurve(i));
-    for (u32 i = 0; i < 256; ++i) byOpacity[i] = u8(i * glow.opacity);
-    ApplyTable(glow, tint.Data(), glow.curve ? glow.curve : defaultCurve);
-    for (u32 y = 0; y < image.height; ++y) {
-        TintRow(image.Row(y), tint.Data() + size_t(y) * image.width, image.width, byOpacity, glow.color);
-    }
+    // Not the halo's: the curve is truncated before it meets the opacity.
+    u8 table[256];
+    for (u32 i = 0; i < 256; ++i) table[i] = u8((glow.curve ? glow.curve[i] : u8(DefaultCurve(i))) * glow.opacity);
+    ApplyTable(glow, tint.Data(), table);
+    const u32 width = image.width, height = image.height;
+    (void)MV40_AlphaBlendColor(image.data, width, height, kChannels, image.stride, tint.Data(), width, height, width,
+                               glow.color, 0, 0, kColorOver);
     frame.SetLastError(Error::None);
     return 1;
 }
