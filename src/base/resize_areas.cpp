@@ -1,41 +1,14 @@
 // Resizing by averages of exact areas, which only shrinks.
+#include "base/resize_area_estimates.h"
+#include "base/resize_coverage.h"
 #include "base/resize_images.h"
 #include "base/resize_rows.kernels.h"
-#include "base/sample.h"
 
 #include <algorithm>
 
 namespace zlv {
 
 namespace {
-
-// What one index of the destination covers in one direction of the source.
-struct Coverage {
-    u32 first;
-    u32 count;
-    f64 firstWeight, lastWeight;
-    f64 norm;  // the sum of the weights
-
-    Coverage(u32 index, f64 ratio)
-    {
-        const f64 start = index * ratio, end = start + ratio;
-        const u64 last = u64(end + 0.99999999999);
-        first = u32(start);
-        count = u32(last - first);
-        firstWeight = 1 - (start - first);
-        // An end just above a whole number leaves next to nothing of the last pixel.
-        lastWeight = end - f64(u64(end));
-        if (lastWeight == 0) lastWeight = 1;
-        norm = (f64(count) - 2) + firstWeight + lastWeight;
-    }
-
-    f64 WeightOf(u32 k) const
-    {
-        if (k >= count) return 0;
-        if (k == 0) return firstWeight;
-        return k == count - 1 ? lastWeight : 1.0;
-    }
-};
 
 // The columns of an area average, by their place among those that a pixel of the destination covers. Pixels that cover
 // fewer columns than others have a weight of 0 in the last places, which adds nothing to a sum.
@@ -126,31 +99,87 @@ private:
     MVBuffer<Table> tables_;
 };
 
+// Sums in their own order, a row of the destination at a time.
+template <class T>
+class ExactAreas {
+public:
+    explicit ExactAreas(const ResizeImages<T>& images) : source_(images.source), columns_(images) {}
+
+    [[nodiscard]] bool Prepare(u64 count) { return columns_.Prepare() && sums_.Resize(count); }
+
+    void WriteRow(const Coverage& rows, T* out)
+    {
+        const u64 count = sums_.GetCount();
+        std::fill_n(sums_.GetData(), count, 0.0);
+        f64 rowWeights = 0;
+        for (u32 j = 0; j < rows.count; ++j) {
+            const f64 rowWeight = rows.WeightOf(j);
+            rowWeights += rowWeight;
+            columns_.AddRow(source_.Row(std::min(rows.first + j, source_.height - 1)), rowWeight, sums_.GetData());
+        }
+        SampleKernels<T>().divideArea(sums_.GetData(), columns_.Norms(), rowWeights, count, out);
+    }
+
+private:
+    const ImageView<const T> source_;
+    AreaColumns<T> columns_;
+    MVBuffer<f64> sums_;
+};
+
+// Estimates, with a pause after rows that they did not decide: the longer, the more of them follow one another.
+template <class T>
+class DecidedAreas {
+public:
+    explicit DecidedAreas(const ResizeImages<T>& images) : estimated_(images), exact_(images) {}
+
+    bool IsWorthwhile() const { return estimated_.IsWorthwhile(); }
+
+    [[nodiscard]] bool Prepare(u64 count) { return estimated_.Prepare(count) && exact_.Prepare(count); }
+
+    void WriteRow(const Coverage& rows, T* out)
+    {
+        if (rowsToSkip_ > 0) {
+            --rowsToSkip_;
+        } else {
+            const bool isDecided = estimated_.WriteRow(rows, out);
+            pause_ = isDecided ? 0 : std::min(2 * pause_ + 1, kLongestPause);
+            rowsToSkip_ = pause_;
+            if (isDecided) return;
+        }
+        exact_.WriteRow(rows, out);
+    }
+
+private:
+    static constexpr u32 kLongestPause = 31;
+
+    EstimatedAreas<T> estimated_;
+    ExactAreas<T> exact_;
+    u32 pause_ = 0;
+    u32 rowsToSkip_ = 0;
+};
+
+template <class T, class Areas>
+u32 WriteAreas(BaseWork& work, const ResizeImages<T>& images, Areas& areas)
+{
+    if (!areas.Prepare(images.destination.SamplesPerRow())) return work.Fail(Error::OutOfMemory);
+    const u32 height = images.destination.height;
+    for (u32 y = 0; y < height; ++y) {
+        areas.WriteRow(Coverage(y, images.RatioY()), images.destination.Row(y));
+        if (!work.Report(y, height)) return 0;
+    }
+    return 1;
+}
+
 }  // namespace
 
 template <class T>
 u32 ResizeAreaAverage(BaseWork& work, const ResizeImages<T>& images)
 {
     if (images.IsGrowing()) return work.Fail(Error::BadArgument);
-    const ImageView<T>& destination = images.destination;
-    const u64 count = destination.SamplesPerRow();
-    AreaColumns<T> columns(images);
-    MVBuffer<f64> sums;
-    if (!columns.Prepare() || !sums.Resize(count)) return work.Fail(Error::OutOfMemory);
-    const u32 lastRow = images.source.height - 1;
-    for (u32 y = 0; y < destination.height; ++y) {
-        const Coverage rows(y, images.RatioY());
-        std::fill_n(sums.GetData(), count, 0.0);
-        f64 rowWeights = 0;
-        for (u32 j = 0; j < rows.count; ++j) {
-            const f64 rowWeight = rows.WeightOf(j);
-            rowWeights += rowWeight;
-            columns.AddRow(images.source.Row(std::min(rows.first + j, lastRow)), rowWeight, sums.GetData());
-        }
-        SampleKernels<T>().divideArea(sums.GetData(), columns.Norms(), rowWeights, count, destination.Row(y));
-        if (!work.Report(y, destination.height)) return 0;
-    }
-    return 1;
+    DecidedAreas<T> decided(images);
+    if (decided.IsWorthwhile()) return WriteAreas(work, images, decided);
+    ExactAreas<T> exact(images);
+    return WriteAreas(work, images, exact);
 }
 
 template u32 ResizeAreaAverage(BaseWork& work, const ResizeImages<u8>& images);

@@ -79,6 +79,55 @@ TEST(Resize, EveryKindOfPictureEqualsPlainOnEveryTarget)
     });
 }
 
+const struct {
+    const char* shows;
+    u32 sourceWidth, sourceHeight, destWidth, destHeight;
+} kLargeAreas[] = {
+    {"whole columns", 160, 131, 10, 8},
+    {"whole rows", 163, 128, 10, 8},
+    {"parts of columns and of rows", 163, 131, 9, 7},
+    {"one column wide", 7, 200, 7, 3},
+    {"one row high", 200, 7, 3, 7},
+    {"next to one column wide", 41, 170, 40, 3},
+    {"one area", 83, 61, 1, 1},
+    {"the smallest of them", 90, 51, 17, 9},
+};
+
+// Flat areas are whole numbers, which no estimate decides: here for some samples, there for all of several rows.
+TEST(Resize, LargeAreasEqualPlainOnEveryTarget)
+{
+    zlvtest::ForTargetsAndWidths([&]<class T>() {
+        for (const auto& row : kLargeAreas) {
+            for (const u32 channels : {1u, 2u, 3u, 4u}) {
+                const ResizeCase c = {row.sourceWidth, row.sourceHeight, row.destWidth, row.destHeight, channels, 2, 3};
+                for (const Picture picture :
+                     {Picture::Noise, Picture::Flat, Picture::Ramp, Picture::Extremes, Picture::Patches}) {
+                    SCOPE(row.shows, c, "picture", u32(picture));
+                    zlvtest::ExpectPlainResize<T>(c, u32(ResizeMode::AreaAverage), picture);
+                }
+            }
+        }
+    });
+}
+
+TEST(Resize, AreasOfFlatAndOfNoisyPartsEqualPlainOnEveryTarget)
+{
+    zlvtest::ForTargetsAndWidths([&]<class T>() {
+        const ResizeCase c = {205, 610, 20, 60, 3};
+        for (const u32 flatColumns : {8u, 30u, 205u}) {
+            SCOPE("flat columns", flatColumns);
+            auto source = zlvtest::MakePicture<T>(Picture::Noise, c, flatColumns);
+            for (size_t i = 0; i < source.size(); ++i) {
+                const size_t x = i % c.SourceStride() / c.channels, y = i / c.SourceStride();
+                if (x < flatColumns && y / 100 % 2 == 0) source[i] = T(40 + 60 * (i % c.channels));
+            }
+            const u32 mode = u32(ResizeMode::AreaAverage);
+            zlvtest::ExpectSame(zlvtest::ResizePlainly<T>(c, mode, source),
+                                zlvtest::ResizeSilently<T>(c, mode, source));
+        }
+    });
+}
+
 TEST(Resize, EveryChannelCountEqualsPlainOnEveryTarget)
 {
     zlvtest::ForTargetsAndWidths([&]<class T>() {
