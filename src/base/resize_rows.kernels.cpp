@@ -126,7 +126,15 @@ void PickTriples(const PixelPick& pixels, const u8* __restrict row, u8* __restri
 {
     const u32* __restrict indexes = pixels.indexes;
     const size_t asFour = pixels.inside < pixels.count ? pixels.inside : pixels.count - 1;
-    for (size_t i = 0; i < asFour; ++i) __builtin_memcpy(out + i * 3, row + indexes[i] * size_t(3), 4);
+    const auto copy = [&](size_t i) { __builtin_memcpy(out + i * 3, row + indexes[i] * size_t(3), 4); };
+    size_t i = 0;
+    for (; i + 4 <= asFour; i += 4) {
+        copy(i);
+        copy(i + 1);
+        copy(i + 2);
+        copy(i + 3);
+    }
+    for (; i < asFour; ++i) copy(i);
     PickPixels<3>(indexes + asFour, pixels.count - asFour, row, out + asFour * 3);
 }
 
