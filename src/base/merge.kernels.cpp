@@ -62,13 +62,13 @@ constexpr size_t kGroup = 32;
 // Pixels blended whole, the fourth byte with the given alpha.
 struct BlendedGroup {
     u32 words[kGroup];
-    u32 suspects[kGroup];  // not 0 where some entry of the table may be one lower than what was used
 };
 
-// Whether there are suspects.
-bool BlendPixels(const u8* base, const u8* overlay, size_t count, u32 given, BlendedGroup& blended)
+// Returns the suspects, a bit a pixel: where some entry of the table may be one lower than what was used.
+u32 BlendPixels(const u8* base, const u8* overlay, size_t count, u32 given, BlendedGroup& blended)
 {
-    u32 suspects = 0;
+    u32 suspects[kGroup];
+    u32 all = 0;
     for (size_t i = 0; i < count; ++i) {
         const u32 under = Load(base + i * 4), pixel = Load(overlay + i * 4);
         const u32 alpha = AlphaOf(pixel), rest = 255 - alpha, over = WithAlpha(pixel, given);
@@ -77,12 +77,14 @@ bool BlendPixels(const u8* base, const u8* overlay, size_t count, u32 given, Ble
         const u32 clean = WithoutMultiples(evenOver) & WithoutMultiples(evenUnder) & WithoutMultiples(oddOver) &
                           WithoutMultiples(oddUnder);
         const u32 suspect = ~clean & (HasDeviatingRow(alpha) << 8 | HasDeviatingRow(alpha) << 24);
-        blended.suspects[i] = suspect;
-        suspects |= suspect;
+        suspects[i] = suspect;
+        all |= suspect;
         blended.words[i] =
             Join(TakeQuotients(evenOver) + TakeQuotients(evenUnder), TakeQuotients(oddOver) + TakeQuotients(oddUnder));
     }
-    return suspects != 0;
+    u32 bits = 0;
+    for (size_t i = 0; all != 0 && i < count; ++i) bits |= u32(suspects[i] != 0) << i;
+    return bits;
 }
 
 #if defined(ZLV_TARGET_avx512)
@@ -106,7 +108,7 @@ Vector HighHalves(Vector bytes) { return _mm512_unpackhi_epi8(bytes, Zero()); }
 Vector Pack(Vector low, Vector high) { return _mm512_packus_epi16(low, high); }
 Vector IsZero(Vector bytes) { return _mm512_movm_epi8(_mm512_testn_epi8_mask(bytes, bytes)); }
 Vector IsUpper(Vector bytes) { return _mm512_movm_epi8(_mm512_movepi8_mask(bytes)); }
-bool HasAny(Vector v) { return _mm512_test_epi32_mask(v, v) != 0; }
+u32 WordsNotZero(Vector v) { return _mm512_test_epi32_mask(v, v); }
 Vector Shuffle(Vector bytes, __m128i order)
 {
     return _mm512_shuffle_epi8(bytes, _mm512_maskz_broadcast_i32x4(0xFFFF, order));
@@ -133,7 +135,7 @@ Vector HighHalves(Vector bytes) { return _mm256_unpackhi_epi8(bytes, Zero()); }
 Vector Pack(Vector low, Vector high) { return _mm256_packus_epi16(low, high); }
 Vector IsZero(Vector bytes) { return _mm256_cmpeq_epi8(bytes, Zero()); }
 Vector IsUpper(Vector bytes) { return _mm256_cmpgt_epi8(Zero(), bytes); }
-bool HasAny(Vector v) { return !_mm256_testz_si256(v, v); }
+u32 WordsNotZero(Vector v) { return u32(_mm256_movemask_ps(_mm256_castsi256_ps(_mm256_cmpeq_epi32(v, Zero())))) ^ 255; }
 Vector Shuffle(Vector bytes, __m128i order) { return _mm256_shuffle_epi8(bytes, _mm256_broadcastsi128_si256(order)); }
 
 #endif
@@ -165,10 +167,10 @@ Vector HaveDeviatingRows(Vector alphas)
 }
 
 // A group at once. Every 16 bytes of a vector hold whole pixels, so unpacking and packing within them keep the order.
-bool BlendGroup(const u8* base, const u8* overlay, u32 given, BlendedGroup& blended)
+u32 BlendGroup(const u8* base, const u8* overlay, u32 given, BlendedGroup& blended)
 {
     const __m128i alphaOfEach = _mm_setr_epi8(3, 3, 3, 3, 7, 7, 7, 7, 11, 11, 11, 11, 15, 15, 15, 15);
-    Vector suspects = Zero();
+    u32 suspects = 0;
     for (size_t i = 0; i < kGroup; i += sizeof(Vector) / 4) {
         const Vector under = LoadVector(base + i * 4), pixels = LoadVector(overlay + i * 4);
         const Vector alphas = Shuffle(pixels, alphaOfEach);
@@ -176,15 +178,13 @@ bool BlendGroup(const u8* base, const u8* overlay, u32 given, BlendedGroup& blen
         const SpreadPixels low = SpreadBoth(LowHalves(under), LowHalves(over), LowHalves(alphas));
         const SpreadPixels high = SpreadBoth(HighHalves(under), HighHalves(over), HighHalves(alphas));
         const Vector multiples = IsZero(Pack(low.Multiples(), high.Multiples()));
-        const Vector suspect = And(multiples, HaveDeviatingRows(alphas));
-        suspects = Or(suspects, suspect);
-        StoreVector(blended.suspects + i, suspect);
+        suspects |= WordsNotZero(And(multiples, HaveDeviatingRows(alphas))) << i;
         StoreVector(blended.words + i, Pack(low.Blended(), high.Blended()));
     }
-    return HasAny(suspects);
+    return suspects;
 }
 
-bool BlendByDivision(const u8* base, const u8* overlay, size_t count, u32 given, BlendedGroup& blended)
+u32 BlendByDivision(const u8* base, const u8* overlay, size_t count, u32 given, BlendedGroup& blended)
 {
     if (count == kGroup) return BlendGroup(base, overlay, given, blended);
     return BlendPixels(base, overlay, count, given, blended);
@@ -192,7 +192,7 @@ bool BlendByDivision(const u8* base, const u8* overlay, size_t count, u32 given,
 
 #else
 
-bool BlendByDivision(const u8* base, const u8* overlay, size_t count, u32 given, BlendedGroup& blended)
+u32 BlendByDivision(const u8* base, const u8* overlay, size_t count, u32 given, BlendedGroup& blended)
 {
     return BlendPixels(base, overlay, count, given, blended);
 }
@@ -207,10 +207,11 @@ u32 BlendByTable(const u8* base, const u8* overlay, const MergeTerms& terms)
     return word;
 }
 
-void BlendSuspects(const u8* base, const u8* overlay, size_t count, const MergeTerms& terms, BlendedGroup& blended)
+void BlendSuspects(const u8* base, const u8* overlay, u32 suspects, const MergeTerms& terms, BlendedGroup& blended)
 {
-    for (size_t i = 0; i < count; ++i) {
-        if (blended.suspects[i]) blended.words[i] = BlendByTable(base + i * 4, overlay + i * 4, terms);
+    for (; suspects != 0; suspects &= suspects - 1) {
+        const u32 i = u32(__builtin_ctz(suspects));
+        blended.words[i] = BlendByTable(base + i * 4, overlay + i * 4, terms);
     }
 }
 
@@ -256,9 +257,8 @@ void BlendRow(u8* base, const u8* overlay, size_t count, const MergeTerms& terms
     while (count > 0) {
         const size_t pixels = count < kGroup ? count : kGroup;
         BlendedGroup blended;
-        if (BlendByDivision(base, overlay, pixels, given, blended)) {
-            BlendSuspects(base, overlay, pixels, terms, blended);
-        }
+        const u32 suspects = BlendByDivision(base, overlay, pixels, given, blended);
+        BlendSuspects(base, overlay, suspects, terms, blended);
         for (size_t i = 0; i < pixels; ++i) {
             const u32 alpha = AlphaOf(Load(overlay + i * 4));
             Store(base + i * 4, Rule::Of(Load(base + i * 4), alpha, blended.words[i], given));
