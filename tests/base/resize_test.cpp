@@ -167,7 +167,7 @@ TEST(Resize, ManyRandomSizesEqualPlain)
 TEST(Resize, StaysInsideItsBuffersOnEveryTarget)
 {
     const ResizeCase sizes[] = {{66, 40, 33, 20, 3}, {41, 21, 23, 11, 1}, {30, 20, 45, 30, 3}, {2, 2, 40, 37, 4},
-                                {1, 1, 5, 5, 2},     {97, 3, 4, 4, 3},    {35, 35, 35, 35, 3}};
+                                {1, 1, 5, 5, 2},     {97, 3, 4, 4, 3},    {35, 35, 35, 35, 3}, {83, 67, 5, 4, 3}};
     zlvtest::ForTargetsAndWidths([&]<class T>() {
         for (u32 mode = 0; mode < zlvtest::kResizeModes; ++mode) {
             for (const ResizeCase& c : sizes) {
