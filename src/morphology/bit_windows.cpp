@@ -10,6 +10,13 @@ namespace {
 bool IsOne(u32 entry) { return entry == 1; }
 bool IsNotZero(u32 entry) { return entry != 0; }
 
+// Whole words: rows have slack. In place, where a call would cost more than the bytes.
+void Fill(u8* out, u8 value, size_t bytes)
+{
+    const u64 word = value * 0x0101010101010101u;
+    for (size_t i = 0; i < bytes; i += sizeof(word)) std::memcpy(out + i, &word, sizeof(word));
+}
+
 bool IsSet(const u8* row, u32 x) { return row[x / 8] & (0x80u >> x % 8); }
 
 }  // namespace
@@ -29,15 +36,16 @@ bool BitWindows::Prepare(const ElementEntries& element, u32 width, u32 height)
     height_ = height;
     // Under its centre a clear pixel stays clear, so an erosion passes over empty bytes.
     hasSkips_ = !isDilation && element_.HasCentre();
-    margin_ = element_.ReachX() / 8 + 1;
+    margin_ = (element_.ReachX() / 8 / kMarginStep + 1) * kMarginStep;
     wideBytes_ = BitRowBytes(width) + 2 * margin_;
-    rowLength_ = wideBytes_ + margin_ + kBitSlack;  // spans reach as far to the right again
+    // Spans reach as far to the right again. An odd number of lines keeps rows apart in the cache.
+    rowLength_ = (((wideBytes_ + margin_ + kBitSlack + kCacheLine - 1) / kCacheLine) | 1) * kCacheLine;
     ringRows_ = std::bit_ceil(2 * u64(element_.ReachY()) + kAtOnce);
 
     const u64 rings = element_.Planes().Count() + (hasSkips_ ? 1 : 0);
     if (rings * ringRows_ > SIZE_MAX / 2 / rowLength_) return false;
     const u64 bytes = rings * ringRows_ * rowLength_;
-    if (!rows_.Resize(bytes) || !values_.Resize(BitRowBytes(width) + kBitSlack)) return false;
+    if (!rows_.Resize(bytes, kCacheLine) || !values_.Resize(BitRowBytes(width) + kBitSlack, kCacheLine)) return false;
     std::memset(rows_.GetData(), 0, bytes);
 
     const u32 count = element_.PieceCount();
@@ -70,8 +78,8 @@ void BitWindows::Finish(u64 row)
     const u8 left = IsSet(first, 0) ? 0xFF : 0, right = IsSet(first, width_ - 1) ? 0xFF : 0;
     const u8 padding = BitPadding(width_);
     end[-1] = u8((end[-1] & ~padding) | (right & padding));
-    std::memset(first - margin_, left, margin_);
-    std::memset(end, right, margin_);
+    Fill(first - margin_, left, margin_);
+    Fill(end, right, margin_);
 }
 
 // What the rows from `first` to `end` complete.
@@ -109,7 +117,7 @@ const u8* BitWindows::Clear()
 {
     const size_t bytes = BitRowBytes(width_);
     if (hasSkips_) kernels_.clearSkipped(skipped_, bytes, values_.GetData());
-    values_[bytes - 1] &= u8(~BitPadding(width_));
+    values_.GetData()[bytes - 1] &= u8(~BitPadding(width_));
     return values_.GetData();
 }
 
@@ -120,7 +128,7 @@ void BitWindows::Put(u8* out) const
     else std::memcpy(out, values_.GetData(), whole);
     if (width_ % 8 == 0) return;
     const u8 keeps = BitPadding(width_) | (hasSkips_ ? skipped_[whole] : u8(0));
-    out[whole] = u8((out[whole] & keeps) | (values_[whole] & ~keeps));
+    out[whole] = u8((out[whole] & keeps) | (values_.GetData()[whole] & ~keeps));
 }
 
 }  // namespace zlv

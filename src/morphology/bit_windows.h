@@ -73,6 +73,7 @@ public:
 
 private:
     static constexpr u64 kAtOnce = 8;
+    static constexpr size_t kCacheLine = 64, kMarginStep = sizeof(u64);
 
     u8* Row(u32 plane, u64 row) { return rows_.GetData() + (plane * ringRows_ + (row & (ringRows_ - 1))) * rowLength_; }
     // The skipped pixels of a row of the image are in a ring behind the planes.
@@ -93,16 +94,16 @@ private:
     BitElement element_;
     u32 width_ = 0, height_ = 0;
     bool hasSkips_ = false;
-    size_t margin_ = 0;     // bytes before the first pixel
+    size_t margin_ = 0;     // bytes before the first pixel, a multiple of kMarginStep
     size_t wideBytes_ = 0;  // with the pixels beyond the edges
-    size_t rowLength_ = 0;  // and what vectors reach
+    size_t rowLength_ = 0;  // and what vectors reach; whole cache lines
     u64 ringRows_ = 0;      // a power of two
     u64 taken_ = 0;         // rows; the first counts from the highest that the first window reaches
     u32 y_ = 0;
     const u8* skipped_ = nullptr;  // of the row that Next gave last
     u32 columnCount_ = 0;
-    MVBuffer<u8> rows_;  // a ring for each plane
-    MVBuffer<u8> values_;
+    MVAlignedArray<u8> rows_;  // a ring for each plane
+    MVAlignedArray<u8> values_;
     MVBuffer<BitColumn> columns_;
     MVBuffer<const u8*> pieceRows_;
 };
