@@ -55,14 +55,7 @@ private:
 
     u8 OrderedMean(u32 x, u32 y, u32 channel) const
     {
-        const i64 radius = call_.Radius(), lastX = i64(call_.src.width) - 1, lastY = i64(call_.src.height) - 1;
-        f64 sum = 0;
-        for (i64 j = y - radius; j <= y + radius; ++j) {
-            const u8* const row = call_.src.Row(u32(std::clamp<i64>(j, 0, lastY))) + channel;
-            for (i64 i = x - radius; i <= x + radius; ++i) {
-                sum += 1.0 / row[size_t(std::clamp<i64>(i, 0, lastX)) * call_.src.channels];
-            }
-        }
+        const f64 sum = call_.SumAround(x, y, channel, [](u8 sample) { return 1.0 / sample; });
         const f64 halfAbove = call_.Area() / sum + 0.5;
         return u8(std::min(halfAbove, 255.0));
     }

@@ -192,14 +192,7 @@ public:
     // One sample.
     u8 MakeSample(u32 x, u32 y, u32 channel) const
     {
-        const i64 radius = call_.Radius(), lastX = i64(call_.src.width) - 1, lastY = i64(call_.src.height) - 1;
-        f64 sum = 0;
-        for (i64 j = y - radius; j <= y + radius; ++j) {
-            const u8* const row = call_.src.Row(u32(std::clamp<i64>(j, 0, lastY))) + channel;
-            for (i64 i = x - radius; i <= x + radius; ++i) {
-                sum += powers_[row[size_t(std::clamp<i64>(i, 0, lastX)) * call_.src.channels]];
-            }
-        }
+        const f64 sum = call_.SumAround(x, y, channel, [&](u8 sample) { return powers_[sample]; });
         return u8(root_.LevelOf(sum));
     }
 

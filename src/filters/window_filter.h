@@ -31,6 +31,21 @@ struct WindowCall {
     // The samples of a window; the side is at most 65535.
     u32 Area() const { return Side() * Side(); }
     ChannelList Selected() const { return ChannelList(channelMask, src.channels); }
+
+    // Adds up valueOf(sample) over the window around a pixel, row by row. Outside the image its edge samples repeat.
+    template <class ValueOf>
+    f64 SumAround(u32 x, u32 y, u32 channel, ValueOf valueOf) const
+    {
+        const i64 radius = Radius(), lastX = i64(src.width) - 1, lastY = i64(src.height) - 1;
+        f64 sum = 0;
+        for (i64 j = y - radius; j <= y + radius; ++j) {
+            const u8* const row = src.Row(u32(std::clamp<i64>(j, 0, lastY))) + channel;
+            for (i64 i = x - radius; i <= x + radius; ++i) {
+                sum += valueOf(row[size_t(std::clamp<i64>(i, 0, lastX)) * src.channels]);
+            }
+        }
+        return sum;
+    }
 };
 
 // The largest windows whose area, and whose sum of samples, are numbers of 32 bits: with a sign, and without one.

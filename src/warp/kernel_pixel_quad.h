@@ -101,6 +101,27 @@ struct CubicWeights {
     }
 };
 
+// Those of many places. They are computed together: the compiler makes vectors of that.
+template <u32 kMost>
+class CubicWeightRows {
+public:
+    void Set(const f64* fractions, u32 count)
+    {
+        for (u32 i = 0; i < count; ++i) {
+            const CubicWeights cubic(fractions[i]);
+            first_[i] = cubic.first;
+            second_[i] = cubic.second;
+            third_[i] = cubic.third;
+            fourth_[i] = cubic.fourth;
+        }
+    }
+
+    CubicWeights operator[](u32 i) const { return {first_[i], second_[i], third_[i], fourth_[i]}; }
+
+private:
+    f64 first_[kMost], second_[kMost], third_[kMost], fourth_[kMost];
+};
+
 // What is read at the first of four pixels of a row.
 constexpr u32 kCubicRowBytes = 16;
 

@@ -6,11 +6,10 @@
 namespace zlv {
 namespace {
 
-// Along one axis of a row of places: the pixel at or before each, and the weights of its neighbours. All weights of the
-// row are computed together: the compiler makes vectors of that.
+// Along one axis of a row of places: the pixel at or before each, and the weights of its neighbours.
 struct AxisPlaces {
     u32 pixels[PushedColumns::kMost];
-    f64 weights[4][PushedColumns::kMost];
+    CubicWeightRows<PushedColumns::kMost> weights;
 
     // Places outside an axis of this size are moved to its edge.
     AxisPlaces(const f64* coordinates, u32 count, u32 size)
@@ -23,18 +22,7 @@ struct AxisPlaces {
             pixels[i] = u32(i64(place));
             fractions[i] = place - f64(i64(place));
         }
-        for (u32 i = 0; i < count; ++i) {
-            const CubicWeights cubic(fractions[i]);
-            weights[0][i] = cubic.first;
-            weights[1][i] = cubic.second;
-            weights[2][i] = cubic.third;
-            weights[3][i] = cubic.fourth;
-        }
-    }
-
-    Quad Sum(u32 i, const Quad& a, const Quad& b, const Quad& c, const Quad& d) const
-    {
-        return a * weights[0][i] + b * weights[1][i] + c * weights[2][i] + d * weights[3][i];
+        weights.Set(fractions, count);
     }
 };
 
@@ -81,6 +69,7 @@ private:
     template <bool kIsInside>
     void DrawPixel(u32 i, const EdgeTaps& columns, const EdgeTaps& rows, u8* to) const
     {
+        const CubicWeights across = x_.weights[i], down = y_.weights[i];
         for (u32 c = 0; c < channels_; c += 4) {
             const u32 count = channels_ - c < 4 ? channels_ - c : 4;
             Quad sums[4];
@@ -90,9 +79,9 @@ private:
                     const u64 offset = start + u64(columns.indices[column]) * channels_;
                     return kIsInside ? Quad::Of(src_.data + offset) : LoadQuad(src_.data, bytes_, offset, count);
                 };
-                sums[row] = x_.Sum(i, tap(0), tap(1), tap(2), tap(3));
+                sums[row] = across.Sum(tap(0), tap(1), tap(2), tap(3));
             }
-            (y_.Sum(i, sums[0], sums[1], sums[2], sums[3]) + 0.5).Write(to + c, count);
+            (down.Sum(sums[0], sums[1], sums[2], sums[3]) + 0.5).Write(to + c, count);
         }
     }
 

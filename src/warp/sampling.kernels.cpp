@@ -295,29 +295,20 @@ template <u32 kChannels>
     });
 }
 
-// The weights of some points are computed together: the compiler makes vectors of that.
 struct CubicPlaces : AmidPlaces<1, 2> {
-    f64 weights[4][kPointsTogether];
+    CubicWeightRows<kPointsTogether> weights;
 
     CubicPlaces(const f64* coordinates, u32 count, u32 size) : AmidPlaces(coordinates, count, size)
     {
-        for (u32 i = 0; i < count; ++i) {
-            const CubicWeights cubic(fractions[i]);
-            weights[0][i] = cubic.first;
-            weights[1][i] = cubic.second;
-            weights[2][i] = cubic.third;
-            weights[3][i] = cubic.fourth;
-        }
+        weights.Set(fractions, count);
     }
-
-    CubicWeights WeightsOf(u32 i) const { return {weights[0][i], weights[1][i], weights[2][i], weights[3][i]}; }
 };
 
 template <u32 kChannels>
 void Bicubic(const SampledRun& run)
 {
     const auto make = [&](const CubicPlaces& columns, const CubicPlaces& rows, u32 i, const u8* first, u8* to) {
-        const Quad sum = CubicSum<kChannels>(columns.WeightsOf(i), rows.WeightsOf(i), first, run.srcStride);
+        const Quad sum = CubicSum<kChannels>(columns.weights[i], rows.weights[i], first, run.srcStride);
         (sum + 0.5).Write(to, kChannels);
     };
     ForPointsAmid<kChannels, CubicPlaces, kCubicRowBytes>(run, make,
