@@ -12,10 +12,12 @@ using zlvtest::ForBothWidths;
 using zlvtest::Picture;
 using zlvtest::ResizeCase;
 
-const struct {
+struct Sizes {
     const char* shows;
     u32 sourceWidth, sourceHeight, destWidth, destHeight;
-} kSizes[] = {
+};
+
+constexpr Sizes kSizes[] = {
     {"a half", 66, 40, 33, 20},
     {"a half, with odd sizes", 67, 41, 33, 20},
     {"two thirds", 60, 36, 40, 24},
@@ -79,10 +81,7 @@ TEST(Resize, EveryKindOfPictureEqualsPlainOnEveryTarget)
     });
 }
 
-const struct {
-    const char* shows;
-    u32 sourceWidth, sourceHeight, destWidth, destHeight;
-} kLargeAreas[] = {
+constexpr Sizes kLargeAreas[] = {
     {"whole columns", 160, 131, 10, 8},
     {"whole rows", 163, 128, 10, 8},
     {"parts of columns and of rows", 163, 131, 9, 7},
